@@ -18,9 +18,9 @@ struct StartRule {
     const char* start;   // the content starts behind this; null: behind `header` itself
 };
 
-// The first rule whose header is found applies, also when it then finds no start. A part of the type
-// multipart/form-data is known by its line end in CR LF, but starts only where that type ends in a
-// bare LF: the field's upload page once wrote it so.
+// The first rule whose header is found applies, also when it then finds no start. A part of the
+// type multipart/form-data is known by its line end in CR LF, but starts only where that type ends
+// in a bare LF: the field's upload page once wrote it so.
 static constexpr StartRule start_rules[] = {
     {"Content-Type: text/plain\r\n\r\n", nullptr},
     {"Content-Type: application/octet-stream\r\n\r\n", nullptr},

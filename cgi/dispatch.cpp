@@ -8,7 +8,8 @@
 #include "device/unit.h"
 #include "unitconf/configuration.h"
 
-// --- The replies ----------------------------------------------------------------------------------
+// --- The replies
+// ----------------------------------------------------------------------------------
 
 enum class Reply : unsigned char {
     none,
@@ -55,12 +56,14 @@ static void print_reply(Reply reply, const char* mac) {
     if (reply == Reply::success) {
         printf("{\"command\":\"uploadConfFile\",\"success\":true,\"mac\":\"%s\"}", mac);
     } else if (reply != Reply::none) {
-        printf("{\"command\":\"uploadConfFile\",\"success\":false,\"mac\":\"%s\",\"feedback\":\"%s\"}",
-               mac, feedback_of(reply));
+        printf(
+            "{\"command\":\"uploadConfFile\",\"success\":false,\"mac\":\"%s\",\"feedback\":\"%s\"}",
+            mac, feedback_of(reply));
     }
 }
 
-// --- The kinds of uploads -------------------------------------------------------------------------
+// --- The kinds of uploads
+// -------------------------------------------------------------------------
 
 static constexpr int handler_results = 6;
 
@@ -79,8 +82,7 @@ static constexpr UploadKind upload_kinds[] = {
     {" name=\"UnitConfUpload\"",
      false,
      apply_unit_configuration,
-     {Reply::not_json, Reply::success, Reply::not_json, Reply::type_deleted,
-      Reply::type_modified}},
+     {Reply::not_json, Reply::success, Reply::not_json, Reply::type_deleted, Reply::type_modified}},
     {" name=\"TriggerCommandsUpload\"", false, nullptr, {Reply::not_json, Reply::success}},
     {"name=getCaEncryptData", false, nullptr, {}},
     {" name=\"VideoWallUpload\"",
@@ -103,7 +105,8 @@ static const UploadKind* recognise_upload(const char* request, size_t length) {
     return nullptr;
 }
 
-// --- The dispatch ---------------------------------------------------------------------------------
+// --- The dispatch
+// ---------------------------------------------------------------------------------
 
 static constexpr size_t content_buffer_size = 0x100000;
 static constexpr size_t size_limit = 512000;

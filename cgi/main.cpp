@@ -1,10 +1,11 @@
 // One request of the unit's web interface, from its first byte to the reply. The program is a CGI
 // program that writes its own status line; each run serves one request and ends.
+#include <strings.h>
+
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <strings.h>
 
 #include "cgi/dispatch.h"
 
@@ -22,14 +23,15 @@ static int32_t announced_length(const char* text) {
     return length < 0 || length > longest_request ? longest_request : static_cast<int32_t>(length);
 }
 
-// Reads the body up to its announced length or its end. Standard input has no buffer, so that no byte
-// behind the announced length is taken from it, and fread then asks for all that is missing at once.
+// Reads the body up to its announced length or its end. Standard input has no buffer, so that no
+// byte behind the announced length is taken from it, and fread then asks for all that is missing at
+// once.
 static void read_body() {
     const char* announced = getenv("CONTENT_LENGTH");
     const int32_t wanted = announced == nullptr ? 0 : announced_length(announced);
     if (wanted > 0) {
-        request_length = static_cast<int32_t>(
-            fread(request_buffer, 1, static_cast<size_t>(wanted), stdin));
+        request_length =
+            static_cast<int32_t>(fread(request_buffer, 1, static_cast<size_t>(wanted), stdin));
     }
     request_buffer[request_length] = '\0';
 }

@@ -1,8 +1,9 @@
 #include "cgi/streams.h"
 
-#include <csignal>
 #include <fcntl.h>
 #include <unistd.h>
+
+#include <csignal>
 
 ReplyStream put_reply_aside() {
     const ReplyStream reply = {fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1)};

@@ -200,8 +200,8 @@ static constexpr bool slots_rise_and_fit(const SlotKey (&keys)[count]) {
 }
 static_assert(slots_rise_and_fit(rw_keys) && slots_rise_and_fit(lm_keys));
 
-// The entries of a dump, one NUL-terminated text behind the other. An empty entry ends the list, and
-// so does the end of the dump.
+// The entries of a dump, one NUL-terminated text behind the other. An empty entry ends the list,
+// and so does the end of the dump.
 struct Entries {
     const char* first;
     const char* end;
@@ -230,8 +230,8 @@ static void copy_entry_value(char* slot, const char* entry) {
 }
 
 // Finds each key's value. The walk for a key begins where the one before left off: at the first
-// entry after a hit, at the second after a miss, and a miss tries the first entry last. So with a key
-// that several entries match, the order of the keys decides which one is taken.
+// entry after a hit, at the second after a miss, and a miss tries the first entry last. So with a
+// key that several entries match, the order of the keys decides which one is taken.
 template <size_t count>
 static void fill_slots(ParameterSnapshot* snapshot, const SlotKey (&keys)[count],
                        const Entries& entries, Match matches) {

@@ -40,13 +40,14 @@ enum SnapshotSlot : int {
     slot_rw_ss_stream_option = 187,
 };
 
-// Fills the slots that have a key in the run-time store, from a copy of /dev/shm/rwparam that a shell
-// line makes first so that the services can go on writing. A key that the store does not hold empties
-// its slot; a store that cannot be read leaves all slots as they are.
+// Fills the slots that have a key in the run-time store, from a copy of /dev/shm/rwparam that a
+// shell line makes first so that the services can go on writing. A key that the store does not hold
+// empties its slot; a store that cannot be read leaves all slots as they are.
 void load_rw_snapshot(ParameterSnapshot* snapshot);
 
-// The same for the live store's dump, /var/tmp/lmparam_dump, read in place. Slots 43, 79 and 155 are
-// named by both stores and end up with the live store's value when this runs second, as it must.
+// The same for the live store's dump, /var/tmp/lmparam_dump, read in place. Slots 43, 79 and 155
+// are named by both stores and end up with the live store's value when this runs second, as it
+// must.
 void load_lm_snapshot(ParameterSnapshot* snapshot);
 
 // Clears all slots, then fills them from the run-time store and from the live store.

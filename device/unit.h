@@ -21,10 +21,10 @@ struct FileBytes {
 void run_shell_line(const char* line);
 
 // Runs `command` and writes the last line of its output into `out` (output_text_size bytes) without
-// its line feed; a carriage return stays. Of a line longer than 1023 bytes the last fragment counts.
-// No output gives the empty text. An answer longer than 10 bytes that holds "not defined" is no
-// value: `out` keeps what it had. Otherwise all output_text_size bytes are written.
-// Returns the exit status of the command as pclose gives it.
+// its line feed; a carriage return stays. Of a line longer than 1023 bytes the last fragment
+// counts. No output gives the empty text. An answer longer than 10 bytes that holds "not defined"
+// is no value: `out` keeps what it had. Otherwise all output_text_size bytes are written. Returns
+// the exit status of the command as pclose gives it.
 int read_command_output(const char* command, char* out);
 
 // Reads a whole file. False, with `file` untouched, when it cannot be opened; true otherwise, with
@@ -38,13 +38,14 @@ bool file_exists(const char* path);
 // cannot be opened for writing.
 bool write_file(const char* path, const char* bytes, size_t size);
 
-// Replaces the file as a whole: after a full disk, a power cut or the death of this program it holds
-// either all of `bytes` or what it held before. False when it keeps the old content.
+// Replaces the file as a whole: after a full disk, a power cut or the death of this program it
+// holds either all of `bytes` or what it held before. False when it keeps the old content.
 bool replace_file(const char* path, const char* bytes, size_t size);
 
 // Sends one command to the front-panel microcontroller and waits until its answer is complete, at
-// most 10 seconds for each piece of it. Of the command at most 1023 bytes are sent; an empty command
-// is sent as well. Nothing is sent when the answer relay (TCP 127.0.0.1:5449) cannot be reached.
+// most 10 seconds for each piece of it. Of the command at most 1023 bytes are sent; an empty
+// command is sent as well. Nothing is sent when the answer relay (TCP 127.0.0.1:5449) cannot be
+// reached.
 void send_mcu_command(const char* command);
 
 // Waits whole seconds; a signal does not shorten the pause.

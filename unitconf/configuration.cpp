@@ -1,9 +1,9 @@
 #include "unitconf/configuration.h"
 
+#include <cjson/cJSON.h>
+
 #include <cstddef>
 #include <cstring>
-
-#include <cjson/cJSON.h>
 
 #include "device/lines.h"
 #include "device/unit.h"
@@ -23,7 +23,8 @@ struct SectionRow {
 // The total that every progress message carries; the steps of a model need not end at it.
 static constexpr int progress_total = 26;
 
-// --- The sections of each model, in the order in which they are applied ---------------------------
+// --- The sections of each model, in the order in which they are applied
+// ---------------------------
 
 static constexpr SectionRow usbc_encoder_sections[] = {
     {"stream", "video", nullptr, Progress::none},
@@ -118,7 +119,8 @@ static constexpr Model models[] = {
 static constexpr Model unknown_model = {nullptr,
                                         {time_and_dante_sections, control_and_service_sections}};
 
-// --- The run --------------------------------------------------------------------------------------
+// --- The run
+// --------------------------------------------------------------------------------------
 
 // Model names are compared over this many characters, so that a longer text which begins with the
 // model passes.

@@ -61,9 +61,8 @@ static bool apply_text(const Member& row, const char* value) {
         case Kind::any_text:
             return (row.test == nullptr || row.test(value)) && send_value(row.line, value);
         case Kind::begins_with:
-            return send_plain(strncmp(value, row.beginning, strlen(row.beginning)) == 0
-                                  ? row.line
-                                  : row.other);
+            return send_plain(
+                strncmp(value, row.beginning, strlen(row.beginning)) == 0 ? row.line : row.other);
         default:
             break;
     }

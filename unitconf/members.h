@@ -8,14 +8,15 @@
 // What holds for every row, so that no table can get it wrong:
 // - a row that takes a boolean looks its key up by exact case, every other row ignores case, as the
 //   documents in the field rely on; `any_case` and `exact_case` mark the exceptions;
-// - a member that is missing, of another type or outside its words sends nothing and is not reported;
+// - a member that is missing, of another type or outside its words sends nothing and is not
+// reported;
 // - numbers are the integer values of the JSON numbers, cut towards zero and held at the 32-bit
 //   limits; whether one is negative is decided on that value.
 #pragma once
 
-#include <cstddef>
-
 #include <cjson/cJSON.h>
+
+#include <cstddef>
 
 #include "device/lines.h"
 #include "device/snapshot.h"
@@ -56,8 +57,8 @@ struct Vocabulary {
     constexpr Vocabulary(const Word (&all)[word_count]) : words(all), count(word_count) {}
 };
 
-// Seconds waited behind a row: first `when_sent` if the row sent something, then `always`. Each is a
-// pause of its own.
+// Seconds waited behind a row: first `when_sent` if the row sent something, then `always`. Each is
+// a pause of its own.
 struct Pauses {
     unsigned when_sent = 0;
     unsigned always = 0;
@@ -77,8 +78,8 @@ constexpr Pauses pause_when_sent_then_always(unsigned when_sent, unsigned always
 
 // What a handler is given beside its member.
 struct Section {
-    const cJSON* whole;                // the section as its applier received it
-    const cJSON* object;               // the object whose members are applied: the section or a part
+    const cJSON* whole;   // the section as its applier received it
+    const cJSON* object;  // the object whose members are applied: the section or a part
     const ParameterSnapshot* present;  // the values found at entry, or null where none are read
 };
 
@@ -89,22 +90,22 @@ using Handler = bool (*)(const Section& section, const cJSON* item);
 using TextTest = bool (*)(const char* text);
 
 enum class Kind : unsigned char {
-    flag,              // boolean: one of two lines
-    flag_or_empty,     // the same, but a member of another type sends an empty command
-    number,            // number: the line with its integer value
-    number_in_range,   // the same within limits, moved by an offset
-    text,              // string, not empty: the line with the text
-    any_text,          // string, the empty one too
-    choice,            // number of 0 or more, or a word: the line with the code
-    word,              // a word only: the line with the code; an unknown word sends nothing
-    word_or_minus_one, // the same, but an unknown word sends -1
-    translated,        // a word only: the line with the word's text
-    begins_with,       // string: one of two lines, by how it begins
-    handled,           // any type, looked at by the handler
-    object,            // the member's own members, when it is there
-    always,            // no member: a fixed line
-    pause,             // no member: only the pause
-    ignored,           // looked up and accepted, never applied
+    flag,               // boolean: one of two lines
+    flag_or_empty,      // the same, but a member of another type sends an empty command
+    number,             // number: the line with its integer value
+    number_in_range,    // the same within limits, moved by an offset
+    text,               // string, not empty: the line with the text
+    any_text,           // string, the empty one too
+    choice,             // number of 0 or more, or a word: the line with the code
+    word,               // a word only: the line with the code; an unknown word sends nothing
+    word_or_minus_one,  // the same, but an unknown word sends -1
+    translated,         // a word only: the line with the word's text
+    begins_with,        // string: one of two lines, by how it begins
+    handled,            // any type, looked at by the handler
+    object,             // the member's own members, when it is there
+    always,             // no member: a fixed line
+    pause,              // no member: only the pause
+    ignored,            // looked up and accepted, never applied
 };
 
 // What a document must hold for the row to send something.
@@ -124,26 +125,27 @@ struct Member {
     JsonType type = JsonType::none;
     bool exact_case = false;
     bool not_empty = false;
-    const char* parent = nullptr;      // the object that holds the key, when it is not the section
+    const char* parent = nullptr;  // the object that holds the key, when it is not the section
     const char* key = nullptr;
-    Line line = {};                    // for a flag: the line of true
-    Line other = {};                   // for a flag: the line of false
-    Line then = {};                    // run behind the line, when that was sent
-    const char* beginning = nullptr;   // begins_with: the text that chooses `line`
-    const char* partner = nullptr;     // the row counts only when this key is there as well
+    Line line = {};                   // for a flag: the line of true
+    Line other = {};                  // for a flag: the line of false
+    Line then = {};                   // run behind the line, when that was sent
+    const char* beginning = nullptr;  // begins_with: the text that chooses `line`
+    const char* partner = nullptr;    // the row counts only when this key is there as well
     bool partner_exact_case = false;
-    int lowest = 0;                    // number_in_range: the limits, compared unsigned, and what is
-    int highest = 0;                   // added to the value that is sent
+    int lowest = 0;   // number_in_range: the limits, compared unsigned, and what is
+    int highest = 0;  // added to the value that is sent
     int offset = 0;
     Vocabulary words = {};
     TextTest test = nullptr;
     Handler handler = nullptr;
-    const Member* members = nullptr;   // object: the table of its members
+    const Member* members = nullptr;  // object: the table of its members
     size_t member_count = 0;
     Pauses pauses = {};
 };
 
-// --- The rows -------------------------------------------------------------------------------------
+// --- The rows
+// -------------------------------------------------------------------------------------
 
 // A boolean that runs `on` for true and `off` for false.
 constexpr Member flag(const char* key, Line on, Line off, Pauses pauses = {}) {
@@ -165,11 +167,8 @@ constexpr Member flag_or_empty(const char* key, Line on, Line off, Pauses pauses
 
 // A number of any value; `line` holds "%d".
 constexpr Member number(const char* key, Line line, Pauses pauses = {}) {
-    return {.kind = Kind::number,
-            .type = JsonType::number,
-            .key = key,
-            .line = line,
-            .pauses = pauses};
+    return {
+        .kind = Kind::number, .type = JsonType::number, .key = key, .line = line, .pauses = pauses};
 }
 
 // A number from `lowest` to `highest`, sent with `offset` added.
@@ -292,7 +291,8 @@ constexpr Member ignored(const char* key, JsonType type, Pauses pauses = {}) {
     return {.kind = Kind::ignored, .type = type, .key = key, .pauses = pauses};
 }
 
-// --- What changes a row ---------------------------------------------------------------------------
+// --- What changes a row
+// ---------------------------------------------------------------------------
 
 // The key stands in the sub-object `parent` of the section.
 constexpr Member within(const char* parent, Member row) {
@@ -318,8 +318,8 @@ constexpr Member not_empty(Member row) {
     return row;
 }
 
-// The row sends nothing unless the partner key is there too, whatever its type; its pause stays. The
-// partner is looked up as its own row looks it up.
+// The row sends nothing unless the partner key is there too, whatever its type; its pause stays.
+// The partner is looked up as its own row looks it up.
 constexpr Member together_with(const char* partner, bool partner_exact_case, Member row) {
     row.partner = partner;
     row.partner_exact_case = partner_exact_case;
@@ -332,7 +332,8 @@ constexpr Member and_then(Line line, Member row) {
     return row;
 }
 
-// --- The check ------------------------------------------------------------------------------------
+// --- The check
+// ------------------------------------------------------------------------------------
 
 constexpr bool same_text(const char* a, const char* b) {
     while (*a != '\0' && *a == *b) {
@@ -432,21 +433,23 @@ constexpr bool well_formed(const Member (&members)[count]) {
     return true;
 }
 
-// --- The walk -------------------------------------------------------------------------------------
+// --- The walk
+// -------------------------------------------------------------------------------------
 
 // Applies the rows of a table to `section.object`, in their order.
 void apply_member_rows(const Section& section, const Member* members, size_t count);
 
-// Applies a section's table: each row sends what its member asks for and takes its pauses. `section`
-// may be of any JSON type; in one that is not an object no member is found, while what is always run
-// and always waited for still is. `present` holds the values at entry, for the handlers.
+// Applies a section's table: each row sends what its member asks for and takes its pauses.
+// `section` may be of any JSON type; in one that is not an object no member is found, while what is
+// always run and always waited for still is. `present` holds the values at entry, for the handlers.
 template <size_t count>
 void apply_members(const cJSON* section, const Member (&members)[count],
                    const ParameterSnapshot* present = nullptr) {
     apply_member_rows({section, section, present}, members, count);
 }
 
-// --- What the walker and handlers share -----------------------------------------------------------
+// --- What the walker and handlers share
+// -----------------------------------------------------------
 
 // The item of a key, ignoring case or by exact case; null when there is none.
 const cJSON* find_member(const cJSON* object, const char* key, bool exact_case);

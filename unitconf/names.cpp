@@ -2,6 +2,9 @@
 
 #include <cstdlib>
 
+#include "device/lines.h"
+#include "device/unit.h"
+
 size_t utf8_characters(const char* text) {
     size_t count = 0;
     for (const char* at = text; *at != '\0'; at++) {
@@ -33,4 +36,11 @@ char* plain_name(const char* name, size_t bytes, char blank) {
     }
     plain[bytes] = '\0';
     return plain;
+}
+
+void store_name_sync_flag(NameSyncFlag flag, bool on) {
+    char flags[output_text_size] = {};
+    read_command_output("astparam g device_name_sync_enable", flags);
+    flags[flag] = on ? '1' : '0';
+    run_shell_format("astparam s device_name_sync_enable %s;", flags);
 }
