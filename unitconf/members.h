@@ -470,6 +470,14 @@ void apply_members(const cJSON* section, const Member (&members)[count],
     apply_member_rows({section, section, present}, members, count);
 }
 
+// The same, with the values that the unit holds now, which are taken first.
+template <size_t count>
+void apply_members_with_snapshot(const cJSON* section, const Member (&members)[count]) {
+    ParameterSnapshot present;
+    take_snapshot(&present);
+    apply_members(section, members, &present);
+}
+
 // --- What the walker and handlers share
 // -----------------------------------------------------------
 

@@ -320,6 +320,22 @@ TEST(MemberRows, RowsAreAppliedInTheOrderOfTheTable) {
     EXPECT_EQ(recorded_trace(), "pause 1\nshell b 2\npause 2\nshell a 1\nshell end\n");
 }
 
+TEST(MemberRows, PresentValuesAreTakenBeforeTheFirstRow) {
+    static constexpr Member members[] = {
+        pause(1),
+        handled("a", JsonType::any,
+                [](const Section& section, const cJSON*) {
+                    run_shell_format("a of %s", section.present->value[slot_device_name]);
+                    return true;
+                }),
+    };
+    reset_recorder();
+    set_rw_value("deviceName", "hall");
+    EXPECT_EQ(trace_of([](const cJSON* section) { apply_members_with_snapshot(section, members); },
+                       R"({"a":1})"),
+              snapshot_trace + "pause 1\nshell a of hall\n");
+}
+
 // --- What stops the build
 // --------------------------------------------------------------------------
 
