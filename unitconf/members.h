@@ -276,6 +276,11 @@ constexpr Member handled(const char* key, JsonType type, Handler handler, Pauses
             .pauses = pauses};
 }
 
+// There is no row without its handler. That is said here, as the check below cannot compare the
+// address of a function template's instance under every compiler option.
+constexpr Member handled(const char* key, JsonType type, decltype(nullptr) no_handler,
+                         Pauses pauses = {}, Vocabulary words = {}) = delete;
+
 // A sub-object. Its table is applied when the key is there, whatever its type; the pause behind it
 // is taken in any case.
 template <size_t count>
@@ -430,9 +435,9 @@ constexpr bool well_formed_row(const Member& row) {
             return row.beginning != nullptr && row.beginning[0] != '\0' &&
                    holds_only(row.line, '\0') && holds_only(row.other, '\0');
         case Kind::handled:
-            return row.handler != nullptr;
+            return row.type != JsonType::none;
         case Kind::object:
-            return row.members != nullptr && row.member_count > 0;
+            return row.member_count > 0;
         case Kind::always:
             return holds_only(row.line, '\0') && row.type == JsonType::none;
         case Kind::pause:

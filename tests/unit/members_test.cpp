@@ -342,6 +342,11 @@ TEST(MemberRows, PresentValuesAreTakenBeforeTheFirstRow) {
 constexpr Word repeated_words[] = {{"a", 0}, {"b", 1}, {"a", 2}};
 constexpr Word textless_words[] = {{"a", 0}};
 
+template <typename Given>
+concept takes_handler = requires(Given handler) {
+    handled("k", JsonType::any, handler);
+};
+
 static_assert(!well_formed_row(number("k", "n %s")));
 static_assert(!well_formed_row(number("k", "n")));
 static_assert(!well_formed_row(number("k", "n %d %s")));
@@ -360,7 +365,8 @@ static_assert(!well_formed_row(chosen_text("k", timings, "c %d")));
 static_assert(!well_formed_row(chosen_text("k", algorithms, "c %s")));
 static_assert(!well_formed_row(of_section(always("fixed"))));
 static_assert(!well_formed_row(begins_with("k", "", "a", "b")));
-static_assert(!well_formed_row(handled("k", JsonType::any, nullptr)));
+static_assert(!well_formed_row(handled("k", JsonType::none, record_item)));
+static_assert(takes_handler<Handler> && !takes_handler<decltype(nullptr)>);
 static_assert(!well_formed_row(number_in_range("k", 2, 1, 0, "n %d")));
 static_assert(!well_formed_row(pause(0)));
 static_assert(!well_formed_row(always("line %s")));
