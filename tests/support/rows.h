@@ -8,6 +8,7 @@
 
 #include "tests/support/applying.h"
 #include "tests/support/recorder.h"
+#include "unitconf/tables.h"
 
 // What a row leaves in the trace when its member is absent: the pauses that it always takes.
 struct IdleRow {
@@ -78,6 +79,35 @@ inline std::vector<std::string> every_json_value_but(const std::vector<std::stri
         }
     }
     return others;
+}
+
+// The keys of a table's rows, in their order; rows without a key are left out.
+inline std::vector<std::string> keys_of(const SectionTable& table) {
+    std::vector<std::string> keys;
+    for (size_t i = 0; i < table.count; i++) {
+        if (table.rows[i].key != nullptr) {
+            keys.emplace_back(table.rows[i].key);
+        }
+    }
+    return keys;
+}
+
+inline std::vector<std::string> keys_of(const IdleRows& rows) {
+    std::vector<std::string> keys;
+    for (const IdleRow& row : rows) {
+        keys.push_back(row.key);
+    }
+    return keys;
+}
+
+// The row of a key in a table; there must be one.
+inline const Member& row_of(const SectionTable& table, const std::string& key) {
+    size_t at = 0;
+    while (at + 1 < table.count && (table.rows[at].key == nullptr || table.rows[at].key != key)) {
+        at++;
+    }
+    EXPECT_EQ(table.rows[at].key == nullptr ? "" : table.rows[at].key, key);
+    return table.rows[at];
 }
 
 // The sum of all pauses in a trace, in seconds.

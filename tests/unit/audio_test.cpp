@@ -371,6 +371,13 @@ TEST_F(AudioSection, AnObjectOfAnyTypeTakesItsPauses) {
     }
 }
 
+TEST_F(AudioSection, TablesNameEveryMemberInOrder) {
+    const std::vector<std::string> of_encoders = {"stream_audio", "analog_audio", "dante_aes67_tx"};
+    EXPECT_EQ(keys_of(decoder_audio_table), keys_of(decoder_top.rows));
+    EXPECT_EQ(keys_of(hdmi_encoder_audio_table), of_encoders);
+    EXPECT_EQ(keys_of(usbc_encoder_audio_table), of_encoders);
+}
+
 TEST_F(AudioSection, KeysThatAreNoBooleansIgnoreCase) {
     EXPECT_EQ(trace_of(apply_decoder_audio_section,
                        R"({"STREAM_audio":1,"HDMI_Audio":{"Source":1},

@@ -400,6 +400,16 @@ TEST_F(EdidAndHdcpSections, OutputHdcpModeSendsTheCommandOfItsWordOrNumber) {
     }
 }
 
+TEST_F(EdidAndHdcpSections, TheEmptyHdcpModeIsAWordOfTheTablesAlthoughItSetsNothing) {
+    for (const SectionTable* table :
+         {&decoder_hdcp_table, &hdmi_encoder_hdcp_table, &usbc_encoder_hdcp_table}) {
+        const Word* word = find_word("", row_of(*table, "output_hdcp_mode").words);
+        ASSERT_NE(word, nullptr);
+        EXPECT_EQ(word->code, 0);
+        EXPECT_EQ(word->text, nullptr);
+    }
+}
+
 TEST_F(EdidAndHdcpSections, OutputHdcpModeOfNoUseSendsNothingAndTakesNoPause) {
     std::vector<std::string> wrong = every_json_value;
     wrong.insert(wrong.end(), {"4", "2147483647", "-1e99", "\"HDCP 2.2\"", "\"Follow display\"",

@@ -230,6 +230,12 @@ TEST_F(VideoSection, MembersOfOtherModelsAreNotKnown) {
                          R"(1,"output_selection":1)", R"(1,"hdmi_out_enable":true)"});
 }
 
+TEST_F(VideoSection, TablesNameEveryMemberInOrder) {
+    EXPECT_EQ(keys_of(decoder_video_table), keys_of(decoder_model.rows));
+    EXPECT_EQ(keys_of(hdmi_encoder_video_table), keys_of(hdmi_encoder_model.rows));
+    EXPECT_EQ(keys_of(usbc_encoder_video_table), keys_of(usbc_encoder_model.rows));
+}
+
 // --- Booleans
 // -------------------------------------------------------------------------------------
 
@@ -339,7 +345,7 @@ TEST_F(VideoSection, ChoicesSkipOtherWordsNegativeNumbersAndOtherTypes) {
         std::vector<std::string> wrong = every_json_value_but({"0", "7", "-0.5", "1e99", "\"\""});
         wrong.insert(wrong.end(), {"-2147483648", "-1e99", "\"HDMI\"", "\"Auto\"", "\"RGB\"",
                                    "\" hdmi\"", "\"hdmi \"", "\"1\"", "\"Last connect\""});
-        if (row.words[0].first != "") {
+        if (!row.words[0].first.empty()) {
             wrong.push_back("\"\"");
         }
         expect_nothing_sent(*row.model, row.key, wrong);
@@ -555,6 +561,14 @@ TEST_F(VideoSection, OutputScalingPassThroughAndAnythingUnknownOnlyPauses) {
                  {"\"pass through\"", "25", "29", "30", "2147483647", "-1e99", "\"1080P60\"",
                   "\"1080p60 \"", "\"Pass through(strict)\"", "\"7\"", "\"8100002F\""});
     expect_nothing_sent(decoder_model, "output_scaling", wrong);
+}
+
+TEST_F(VideoSection, PassThroughIsAWordOfTheTableAlthoughItSetsNothing) {
+    const Word* word =
+        find_word("pass through", row_of(decoder_video_table, "output_scaling").words);
+    ASSERT_NE(word, nullptr);
+    EXPECT_EQ(word->code, 0);
+    EXPECT_EQ(word->text, nullptr);
 }
 
 // --- Multicast
