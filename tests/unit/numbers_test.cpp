@@ -72,15 +72,13 @@ TEST(NumberList, IsNoneOfAnythingButAnArray) {
     }
 }
 
-TEST(NumberList, HoldsThousandsOfNumbers) {
-    std::string json = "[";
-    std::string list;
-    for (int i = 0; i < 20000; i++) {
-        const std::string item = std::to_string(INT_MIN + i);
-        json += (i > 0 ? "," : "") + item;
-        list += (i > 0 ? "," : "") + item;
+TEST(NumberList, HoldsHundredsOfThousandsOfNumbers) {
+    std::string list = "-2147483648";
+    for (int i = 1; i < 500000; i++) {
+        list.append(",").append(std::to_string(INT_MIN + i));
     }
-    EXPECT_EQ(list_of(json + "]"), list);
+    // Far from done today if each item were looked for from the array's start.
+    EXPECT_TRUE(list_of("[" + list + "]") == list);
 }
 
 }  // namespace
