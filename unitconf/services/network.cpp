@@ -219,6 +219,10 @@ static constexpr ServiceMembers dante_members = service_members({
 });
 static_assert(well_formed(dante_members.rows));
 
+static bool apply_memberships(const Section& /*section*/, const cJSON* services_settings) {
+    return merge_vlan_memberships(services_settings);
+}
+
 static constexpr Member service_network_members[] = {
     object("stream", stream_members.rows),
     object("control", control_members.rows),
@@ -234,7 +238,7 @@ static constexpr Member network_members[] = {
     object("lan1", lan1_members),
     object("lan2", lan2_members),
     object("services_settings", service_network_members),
-    handled("services_settings", JsonType::object, merge_vlan_memberships, pause_when_sent(1)),
+    handled("services_settings", JsonType::object, apply_memberships, pause_when_sent(1)),
 };
 static_assert(well_formed(network_members));
 

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "device/lines.h"
+#include "unitconf/members.h"
 #include "unitconf/numbers.h"
 
 // One network port: its number in a service's port choice, its key in a service of the document,
@@ -183,7 +184,7 @@ static void store_member_lists(const PortLists (&lists)[lan_ports],
     }
 }
 
-bool merge_vlan_memberships(const Section& /*section*/, const cJSON* services_settings) {
+bool merge_vlan_memberships(const cJSON* services_settings) {
     if (!cJSON_IsObject(services_settings)) {
         return false;
     }

@@ -7,7 +7,6 @@
 #include <cstddef>
 
 #include "device/unit.h"
-#include "unitconf/members.h"
 
 // How a port is a member of a VLAN, as a service's membership value writes it.
 enum class Membership : char { untagged = '0', tagged = '1' };
@@ -36,6 +35,6 @@ char* merged_member_list(const ServiceVlan (&services)[service_networks], size_t
 // Brings the tagged and untagged VLAN lists of both ports in line with the service networks, from
 // what the store holds once those are set. A port without an untagged VLAN gets VLAN 1, and the
 // port VLAN IDs follow the services of the document that are enabled and untagged on the port, the
-// last one winning. Handler of "services_settings": false, with nothing read or written, when that
-// is not an object; without memory the lists stay as they are.
-bool merge_vlan_memberships(const Section& section, const cJSON* services_settings);
+// last one winning. `services_settings` is the document's object of that name. False, with nothing
+// read, when it is anything else, and false, with nothing written, when memory runs out.
+bool merge_vlan_memberships(const cJSON* services_settings);
