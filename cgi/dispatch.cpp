@@ -1,0 +1,148 @@
+#include "cgi/dispatch.h"
+
+#include <cstdio>
+#include <cstring>
+
+#include "cgi/body.h"
+#include "cgi/streams.h"
+#include "device/unit.h"
+#include "unitconf/configuration.h"
+
+// --- The replies
+// ----------------------------------------------------------------------------------
+
+enum class Reply : unsigned char {
+    none,
+    success,
+    not_supported,
+    too_large,
+    not_json,
+    type_deleted,
+    type_modified,
+    out_of_range,
+    error_node,
+    invalid_edid,
+};
+
+// What a reply tells about a failure.
+static const char* feedback_of(Reply reply) {
+    switch (reply) {
+        case Reply::none:
+        case Reply::success:
+            break;
+        case Reply::not_supported:
+            return "The uploaded file is not in the supported list";
+        case Reply::too_large:
+            return "more than 500kb";
+        case Reply::not_json:
+            return "The uploaded file format is not JSON";
+        case Reply::type_deleted:
+            return "Invalid file, do not delete the type field in the JSON data.";
+        case Reply::type_modified:
+            return "Invalid file, do not modify the type field in the JSON data.";
+        case Reply::out_of_range:
+            return "Error, the parameter range is incorrect";
+        case Reply::error_node:
+            return "Error, JSON data error node";
+        case Reply::invalid_edid:
+            return "Invalid EDID data, must be 256 bytes and contain only hex characters "
+                   "(0-9A-Fa-f)";
+    }
+    return "";
+}
+
+// The MAC goes in as the unit's tool prints it.
+static void print_reply(Reply reply, const char* mac) {
+    if (reply == Reply::success) {
+        printf("{\"command\":\"uploadConfFile\",\"success\":true,\"mac\":\"%s\"}", mac);
+    } else if (reply != Reply::none) {
+        printf(
+            "{\"command\":\"uploadConfFile\",\"success\":false,\"mac\":\"%s\",\"feedback\":\"%s\"}",
+            mac, feedback_of(reply));
+    }
+}
+
+// --- The kinds of uploads
+// -------------------------------------------------------------------------
+
+static constexpr int handler_results = 6;
+
+struct UploadKind {
+    const char* pattern;  // the form field as a browser writes it
+    bool size_limited;
+    int (*handle)(const char* content);  // applies the content
+    Reply replies[handler_results];      // by the handler's result; any other result has no reply
+};
+
+// In the order in which they are looked for: the first pattern that stands anywhere in the request
+// decides.
+static constexpr UploadKind upload_kinds[] = {
+    {" name=\"Rs232CodeUpload\"", true, nullptr, {Reply::not_json, Reply::success}},
+    {" name=\"IRCodeUpload\"", true, nullptr, {Reply::not_json, Reply::success}},
+    {" name=\"UnitConfUpload\"",
+     false,
+     apply_unit_configuration,
+     {Reply::not_json, Reply::success, Reply::not_json, Reply::type_deleted, Reply::type_modified}},
+    {" name=\"TriggerCommandsUpload\"", false, nullptr, {Reply::not_json, Reply::success}},
+    {"name=getCaEncryptData", false, nullptr, {}},
+    {" name=\"VideoWallUpload\"",
+     true,
+     nullptr,
+     {Reply::not_json, Reply::success, Reply::not_json, Reply::out_of_range, Reply::error_node}},
+    {" name=\"CustomEdidFile\"",
+     true,
+     nullptr,
+     {Reply::not_json, Reply::success, Reply::not_json, Reply::out_of_range, Reply::error_node,
+      Reply::invalid_edid}},
+};
+
+static const UploadKind* recognise_upload(const char* request, size_t length) {
+    for (const UploadKind& kind : upload_kinds) {
+        if (find_text(request, length, kind.pattern) != nullptr) {
+            return &kind;
+        }
+    }
+    return nullptr;
+}
+
+// --- The dispatch
+// ---------------------------------------------------------------------------------
+
+static constexpr size_t content_buffer_size = 0x100000;
+static constexpr size_t size_limit = 512000;
+
+static char content_buffer[content_buffer_size];
+
+static Reply handle_content(const UploadKind& kind, Content content) {
+    const size_t most = kind.size_limited ? size_limit : content_buffer_size - 1;
+    if (content.length > most) {
+        return Reply::too_large;
+    }
+    memcpy(content_buffer, content.begin, content.length);
+    content_buffer[content.length] = '\0';
+    if (kind.handle == nullptr) {
+        return Reply::none;
+    }
+    outlast_the_caller();
+    const int result = kind.handle(content_buffer);
+    return result >= 0 && result < handler_results ? kind.replies[result] : Reply::none;
+}
+
+static Reply handle_upload(const char* request) {
+    const size_t length = strlen(request);
+    const UploadKind* kind = recognise_upload(request, length);
+    if (kind == nullptr) {
+        return Reply::not_supported;
+    }
+    const Content content = find_content(request, length, content_buffer_size - 1);
+    return content.begin == nullptr ? Reply::none : handle_content(*kind, content);
+}
+
+void dispatch_upload(const char* request) {
+    const ReplyStream reply_stream = put_reply_aside();
+    char mac[output_text_size] = {};
+    read_command_output("astparam g ethaddr", mac);
+    const Reply reply = handle_upload(request);
+    take_reply_up(reply_stream);
+    print_reply(reply, mac);
+}

@@ -1,0 +1,52 @@
+// The seam between the program and the unit: everything that is done to the unit or read from it
+// goes through these functions. The gateway links the real bodies, the unit tests a recorder that
+// writes an ordered trace; a program links exactly one set.
+#pragma once
+
+#include <cstddef>
+
+// Bytes in a text that read_command_output hands over, the closing NUL included.
+inline constexpr size_t output_text_size = 1024;
+
+// A whole file in memory. `bytes` is allocated, freed by the owner with free(), and has a NUL
+// behind its last byte that `size` does not count. Null when there was no memory for it.
+struct FileBytes {
+    char* bytes;
+    size_t size;
+};
+
+// Runs one shell line on the unit and waits until the shell ends; what the line starts with "&"
+// goes on by itself. The line is run byte for byte as given, of any length, and its result is not
+// looked at: a setting counts as applied once its line has run. An empty line is run as well.
+void run_shell_line(const char* line);
+
+// Runs `command` and writes the last line of its output into `out` (output_text_size bytes) without
+// its line feed; a carriage return stays. Of a line longer than 1023 bytes the last fragment
+// counts. No output gives the empty text. An answer longer than 10 bytes that holds "not defined"
+// is no value: `out` keeps what it had. Otherwise all output_text_size bytes are written. Returns
+// the exit status of the command as pclose gives it.
+int read_command_output(const char* command, char* out);
+
+// Reads a whole file. False, with `file` untouched, when it cannot be opened; true otherwise, with
+// `file->bytes` null when memory ran out.
+bool read_file(const char* path, FileBytes* file);
+
+// Whether there is a file of that name.
+bool file_exists(const char* path);
+
+// Empties or creates the file and writes the bytes into it. False, with nothing changed, when it
+// cannot be opened for writing.
+bool write_file(const char* path, const char* bytes, size_t size);
+
+// Replaces the file as a whole: after a full disk, a power cut or the death of this program it
+// holds either all of `bytes` or what it held before. False when it keeps the old content.
+bool replace_file(const char* path, const char* bytes, size_t size);
+
+// Sends one command to the front-panel microcontroller and waits until its answer is complete, at
+// most 10 seconds for each piece of it. Of the command at most 1023 bytes are sent; an empty
+// command is sent as well. Nothing is sent when the answer relay (TCP 127.0.0.1:5449) cannot be
+// reached.
+void send_mcu_command(const char* command);
+
+// Waits whole seconds; a signal does not shorten the pause.
+void pause_seconds(unsigned seconds);

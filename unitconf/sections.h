@@ -1,0 +1,78 @@
+// The appliers of a unit configuration's sections. Each takes the item of its key as the document
+// holds it, of any JSON type, does not own it, and reports nothing: a member that cannot be used is
+// skipped, and what a section does always (pauses, refresh lines, install scripts) happens all the
+// same.
+#pragma once
+
+#include <cjson/cJSON.h>
+
+// identity.cpp
+
+// Stores the device name when it is at most 32 bytes long, and passes it on to the Dante transmit
+// channels that the unit keeps in step with it. An item that is not a text changes nothing.
+void apply_device_name(const cJSON* item);
+
+// Stores the serial number in both parameter stores, then waits 1 second. An item that is not a
+// text changes nothing.
+void apply_serial_number(const cJSON* item);
+
+// video.cpp, audio.cpp: "stream"."video" and "stream"."audio", by model.
+void apply_usbc_encoder_video_section(const cJSON* section);
+void apply_hdmi_encoder_video_section(const cJSON* section);
+void apply_decoder_video_section(const cJSON* section);
+void apply_usbc_encoder_audio_section(const cJSON* section);
+void apply_hdmi_encoder_audio_section(const cJSON* section);
+void apply_decoder_audio_section(const cJSON* section);
+
+// edid_hdcp.cpp: "edid" and "hdcp", by model.
+void apply_usbc_encoder_edid_section(const cJSON* section);
+void apply_hdmi_encoder_edid_section(const cJSON* section);
+void apply_decoder_edid_section(const cJSON* section);
+void apply_usbc_encoder_hdcp_section(const cJSON* section);
+void apply_hdmi_encoder_hdcp_section(const cJSON* section);
+void apply_decoder_hdcp_section(const cJSON* section);
+
+// images_routing_preview.cpp: the decoder's pictures and routing, and every model's
+// "stream"."preview".
+void apply_no_stream_image_section(const cJSON* section);
+void apply_power_on_image_section(const cJSON* section);
+void apply_routing_section(const cJSON* section);
+void apply_preview_section(const cJSON* section);
+
+// usb.cpp: "usb_devices" of every model and "usb_host" of the encoders.
+void apply_usb_devices_section(const cJSON* section);
+void apply_usb_host_section(const cJSON* section);
+
+// osd_video_wall.cpp: the decoder's "osd" and "video_wall".
+void apply_osd_section(const cJSON* section);
+void apply_video_wall_section(const cJSON* section);
+
+// dante.cpp
+void apply_dante_section(const cJSON* section);
+
+// services/serial.cpp, services/ir_trigger.cpp
+void apply_serial_section(const cJSON* section);
+void apply_ir_section(const cJSON* section);
+void apply_trigger_section(const cJSON* section);
+
+// services/network.cpp
+void apply_network_section(const cJSON* section);
+
+// services/security.cpp
+void apply_aes256_section(const cJSON* section);
+void apply_snmp_section(const cJSON* section);
+void apply_mqtt_section(const cJSON* section);
+void apply_https_section(const cJSON* section);
+void apply_ldap_section(const cJSON* section);
+void apply_8021x_section(const cJSON* section);
+
+// services/panel_system.cpp
+void apply_oled_display_section(const cJSON* section);
+void apply_auto_status_section(const cJSON* section);
+void apply_fan_control_section(const cJSON* section);
+void apply_front_panel_lock_section(const cJSON* section);
+void apply_aes67_section(const cJSON* section);
+void apply_date_and_time_section(const cJSON* section);
+void apply_debug_section(const cJSON* section);
+void apply_ssh_section(const cJSON* section);
+void apply_power_section(const cJSON* section);

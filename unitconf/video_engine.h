@@ -1,0 +1,8 @@
+// The video engine option, "v_eng_drv_option": a text of "0x" and eight hexadecimal digits whose
+// bits hold the latency flag and the encryption strength.
+#pragma once
+
+// Gives the short forms that the store may hold their full length, in place: "0x8" becomes
+// "0x80000000", "0x0" and the empty text become "0x00000000"; any other text stays as it is.
+// `option` has room for 11 bytes at least.
+void normalise_video_engine_option(char* option);
