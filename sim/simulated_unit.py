@@ -41,6 +41,30 @@ def default_unit_tool():
     return os.path.join(os.path.dirname(HERE), "build", "sim", "unit_tool")
 
 
+def _machine(path):
+    """Word size and processor of an ELF file; those of this Python for any other file."""
+    with open(path, "rb") as file:
+        head = file.read(20)
+    return (head[4:6], head[18:20]) if head[:4] == b"\x7fELF" else _machine("/proc/self/exe")
+
+
+def find_faketime(program):
+    """Path of the library that makes a program's clock run fast, built for the program's processor;
+    None when it is not installed."""
+    for path in sorted(glob.glob("/usr/lib/*/faketime/libfaketime.so.1")):
+        if _machine(path) == _machine(program):
+            return path
+    return None
+
+
+class UnitError(Exception):
+    """The unit could not be started, or did not do in time what was waited for."""
+
+
+def default_unit_tool():
+    return os.path.join(os.path.dirname(HERE), "build", "sim", "unit_tool")
+
+
 def find_faketime():
     """Path of the library that makes a program's clock run fast; None when it is not installed."""
     found = glob.glob("/usr/lib/*/faketime/libfaketime.so.1")
@@ -304,11 +328,11 @@ def _sandbox(options):
     return command
 
 
-def _cgi_environment(real_time, preload):
+def _cgi_environment(gateway, real_time, preload):
     libraries = list(preload)
     environment = {"PATH": TOOL_PATH, "FAKETIME": "", "ASAN_OPTIONS": "", "LD_PRELOAD": ""}
     if not real_time:
-        library = find_faketime()
+        library = find_faketime(gateway)
         if library is None:
             raise UnitError("libfaketime is missing: install the package faketime or use real time")
         libraries.append(library)
@@ -334,7 +358,7 @@ def start(model, gateway, unit_tool=None, real_time=False, port=0, user_data_byt
     command = _sandbox({"model": model, "gateway": os.fspath(gateway), "busybox": busybox,
                         "unit_tool": os.fspath(unit_tool or default_unit_tool()),
                         "user_data_bytes": user_data_bytes})
-    environment = _cgi_environment(real_time, preload)
+    environment = _cgi_environment(gateway, real_time, preload)
     ours, theirs = socket.socketpair(socket.AF_UNIX, socket.SOCK_SEQPACKET)
     listener = socket.socket()
     listener.setsockopt(socket.SOL_SOCKET, socket.SO_REUSEADDR, 1)
