@@ -490,6 +490,8 @@ TEST_F(SerialSection, ModesAreSwitchedWhereTheyStandAndTheRestIsOnlyReplaced) {
         {R"({"data":{"setting":{"mode2":true}}})",
          R"({"data":{"setting":{"mode2":false,"mode1":true}}})"},
         {R"({"data":{"setting":{}}})", R"({"data":{"setting":{"mode1":true,"mode2":false}}})"},
+        {R"({"data":{"setting":{"MODE1":1,"mode2":2,"TYPE":3}}})",
+         R"({"data":{"setting":{"MODE1":1,"mode2":false,"type":"1","mode1":true}}})"},
     };
     for (const auto& each : cases) {
         keep_list(each.before);

@@ -83,8 +83,10 @@ static void take_setting(PortSettings* port, const cJSON* setting) {
     take_number_or_text(port->data_bits, find_member(setting, "databit", false));
     take_number_or_text(port->stop_bits, find_member(setting, "stopbit", false));
     const cJSON* parity = find_member(setting, "parity", false);
-    if (cJSON_IsString(parity) && find_word(parity->valuestring, parity_words) != nullptr) {
-        copy_text(port->parity, word_text(parity->valuestring, parity_words));
+    const Word* word =
+        cJSON_IsString(parity) ? find_word(parity->valuestring, parity_words) : nullptr;
+    if (word != nullptr) {
+        copy_text(port->parity, word->text);
     }
     const cJSON* format = find_member(setting, "format", false);
     copy_text(port->format,
@@ -168,10 +170,10 @@ static void replace_member(cJSON* holder, const char* key, cJSON* value) {
 
 // Switches a mode of the list where it stands, or adds it.
 static void switch_mode(cJSON* list_setting, const char* key, bool on) {
-    if (find_member(list_setting, key, true) == nullptr) {
-        cJSON_AddBoolToObject(list_setting, key, on);
-    } else {
-        replace_member(list_setting, key, cJSON_CreateBool(on));
+    cJSON* value = cJSON_CreateBool(on);
+    if (!cJSON_ReplaceItemInObjectCaseSensitive(list_setting, key, value) &&
+        !cJSON_AddItemToObject(list_setting, key, value)) {
+        cJSON_Delete(value);
     }
 }
 
