@@ -2,9 +2,11 @@
 
 #include <climits>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 
 #include "device/unit.h"
+#include "unitconf/numbers.h"
 
 const cJSON* find_member(const cJSON* object, const char* key, bool exact_case) {
     return exact_case ? cJSON_GetObjectItemCaseSensitive(object, key)
@@ -69,6 +71,13 @@ static bool apply_chosen_text(const Member& row, int code) {
     return chosen != nullptr && chosen->text != nullptr && send_value(row.line, chosen->text);
 }
 
+static bool send_number_list(const Line& line, const cJSON* item) {
+    char* list = json_number_array_to_list(item);
+    const bool sent = list != nullptr && send_value(line, list);
+    free(list);
+    return sent;
+}
+
 static bool apply_text(const Member& row, const char* value) {
     switch (row.kind) {
         case Kind::text:
@@ -118,6 +127,8 @@ static bool apply_member(const Section& section, const Member& row, const cJSON*
         case Kind::begins_with:
             return cJSON_IsString(item) && (!row.not_empty || item->valuestring[0] != '\0') &&
                    apply_text(row, item->valuestring);
+        case Kind::number_list:
+            return send_number_list(row.line, item);
         case Kind::handled:
             return row.handler(section, item);
         case Kind::object:
@@ -139,6 +150,10 @@ static bool apply_row(const Section& section, const Member& row) {
     const cJSON* object = row.of_whole_section ? section.whole : section.object;
     if (row.partner != nullptr &&
         find_member(object, row.partner, row.partner_exact_case) == nullptr) {
+        return false;
+    }
+    if (row.displaced_by != nullptr &&
+        cJSON_IsObject(find_member(section.whole, row.displaced_by, false))) {
         return false;
     }
     const cJSON* holder = row.parent == nullptr ? object : find_member(object, row.parent, false);
