@@ -270,6 +270,15 @@ TEST(MemberRows, AMemberThatNeedsAPartnerKeepsItsPauseWithoutIt) {
     EXPECT_EQ(apply_row_to(loose, R"({"k":"a","P":true})"), "shell t a\n");
 }
 
+TEST(MemberRows, AMemberThatAnotherRowReadsSendsNothingItself) {
+    const Member row = read_with("p", true, "k", JsonType::string, speeds);
+    EXPECT_TRUE(well_formed_row(row));
+    EXPECT_EQ(row.words.count, 3U);
+    for (const char* document : {R"({"k":"low","p":true})", R"({"k":"low"})", R"({"k":1,"p":1})"}) {
+        EXPECT_EQ(apply_row_to(row, document), "") << document;
+    }
+}
+
 TEST(MemberRows, ASecondLineRunsOnlyBehindTheFirst) {
     const Member row = and_then("second &", text("k", "first %s", pause_when_sent(1)));
     EXPECT_EQ(apply_row_to(row, R"({"k":"a"})"), "shell first a\nshell second &\npause 1\n");
