@@ -64,7 +64,7 @@ void apply_usb_host_section(const cJSON* section);
 
 // osd_video_wall.cpp
 
-// The decoder's on-screen display: its text, place, font, colours and how long it stays (seconds).
+// The decoder's on-screen display: its text, place, font, colours and how long it stays.
 // Numbers are stored without limits, an unknown place as -1.
 void apply_osd_section(const cJSON* section);
 
