@@ -16,6 +16,7 @@ inline const std::vector<std::string> without_members = {"{}",   "[]", "[{}]",  
                                                          "true", "3",  "\"x\"", "\"\""};
 
 // `document` with its "@" replaced by `value`.
-inline std::string with_value(std::string document, const std::string& value) {
-    return document.replace(document.find('@'), 1, value);
+inline std::string with_value(const std::string& document, const std::string& value) {
+    const size_t place = document.find('@');
+    return document.substr(0, place) + value + document.substr(place + 1);
 }
