@@ -1,12 +1,12 @@
 // The decoder's on-screen display, and its place in a wall of displays.
 #include <climits>
-#include <cstdlib>
 #include <cstring>
 
 #include "device/lines.h"
 #include "device/snapshot.h"
 #include "device/unit.h"
 #include "unitconf/members.h"
+#include "unitconf/numbers.h"
 #include "unitconf/sections.h"
 #include "unitconf/tables.h"
 
@@ -74,8 +74,8 @@ static bool store_stretch(const Section&, const cJSON* item) {
 
 // A stored position counted from 1. One without a number counts as 0.
 static int counted_from_one(const char* position) {
-    const long number = strtol(position, nullptr, 10);
-    return number < INT_MIN ? INT_MIN : number >= INT_MAX ? INT_MAX : static_cast<int>(number) + 1;
+    const int counted_from_zero = decimal_value(position);
+    return counted_from_zero == INT_MAX ? INT_MAX : counted_from_zero + 1;
 }
 
 // Places the picture on the displays. A mosaic is cut by its virtual coordinates, a symmetric wall
