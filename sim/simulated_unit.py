@@ -57,20 +57,6 @@ def find_faketime(program):
     return None
 
 
-class UnitError(Exception):
-    """The unit could not be started, or did not do in time what was waited for."""
-
-
-def default_unit_tool():
-    return os.path.join(os.path.dirname(HERE), "build", "sim", "unit_tool")
-
-
-def find_faketime():
-    """Path of the library that makes a program's clock run fast; None when it is not installed."""
-    found = glob.glob("/usr/lib/*/faketime/libfaketime.so.1")
-    return found[0] if found else None
-
-
 class Unit:
     """A running unit. Made by start(); ended by stop() or at the end of a with block."""
 
