@@ -1,27 +1,24 @@
-"""The command channel to the front panel's microcontroller, seen through the panel lock and power."""
+"""The command channel to the front panel's microcontroller, seen through the HDCP section."""
 
-import glob
 import os
 import time
 
 import pytest
 
-from conftest import REPOSITORY, assert_told, told
+from conftest import REPOSITORY, assert_told
 
-SOURCES = glob.glob(os.path.join(REPOSITORY, "unitconf", "**", "*.cpp"), recursive=True)
-pytestmark = pytest.mark.skipif(
-    not any("fplock" in open(path, encoding="utf-8").read() for path in SOURCES),
-    reason="no section sends commands to the front panel yet")
+with open(os.path.join(REPOSITORY, "unitconf", "configuration.cpp"), encoding="utf-8") as walk:
+    pytestmark = pytest.mark.skipif("apply_usbc_encoder_hdcp_section" not in walk.read(),
+                                    reason="the HDCP section is not part of the walk yet")
 
-TWO_COMMANDS = {"front_panel_lock": True, "power": {"power_status": "poweron"}}
+TWO_COMMANDS = {"hdcp": {"hdmi_compatibility": True, "usbc_compatibility": False}}
 BOTH_SENT = """
-    progress 1-20
-    line echo "fplock,on" > /dev/ttyS1 &
-    mcu fplock,on
-    progress 21-24
-    line echo "poweron" > /dev/ttyS1 &
-    mcu poweron
-    progress 25
+    progress 1-2
+    line echo "hdcpadvertising,2:on" > /dev/ttyS1 &
+    mcu hdcpadvertising,2:on
+    line echo "hdcpadvertising,1:off" > /dev/ttyS1 &
+    mcu hdcpadvertising,1:off
+    progress 3-25
 """
 
 
@@ -57,14 +54,22 @@ def test_WithoutTheRelayNoCommandIsSent(u300):
 
 def test_ASilentMicrocontrollerCostsTenSeconds(u300):
     u300.set_mcu("silent")
-    assert 9.9 <= seconds_for(u300, {"front_panel_lock": False}, """
-        progress 1-20
-        line echo "fplock,off" > /dev/ttyS1 &
-        mcu fplock,off
-        progress 21-25
+    assert 9.9 <= seconds_for(u300, {"hdcp": {"hdmi_compatibility": False}}, """
+        progress 1-2
+        line echo "hdcpadvertising,2:off" > /dev/ttyS1 &
+        mcu hdcpadvertising,2:off
+        progress 3-25
     """) < 15
 
 
-def test_ALockThatIsNoBooleanSendsNothing(u300):
-    assert_told(u300, {"front_panel_lock": {"enable": True}}, "progress 1-25")
-    assert told(u300)[-1] == "rebooted"
+def test_AnEmptySectionSendsNothing(u300):
+    assert_told(u300, {"hdcp": {}}, "progress 1-25")
+
+
+def test_AMemberOfTheWrongTypeSendsAnEmptyCommand(u300):
+    assert_told(u300, {"hdcp": {"hdmi_compatibility": 1}}, """
+        progress 1-2
+        line echo "" > /dev/ttyS1 &
+        mcu
+        progress 3-25
+    """)
