@@ -130,8 +130,9 @@ static bool replace_here(const char* path, const char* bytes, size_t size) {
     char* temporary = strdup(path);
     char* folder = strdup(path);
     bool replaced = false;
-    if (temporary != nullptr && folder != nullptr && *path != '\0') {
-        temporary[strlen(path) - 1] = '~';
+    const size_t length = strlen(path);
+    if (temporary != nullptr && folder != nullptr && length > 0 && path[length - 1] != '~') {
+        temporary[length - 1] = '~';
         replaced = replace_in_folder({path, temporary, dirname(folder)}, bytes, size);
     }
     free(temporary);
