@@ -261,10 +261,12 @@ TEST_F(ShellEchoOnBusyBox, LinesRunOneByOneAreNoDifferent) {
     expect_same(texts);
 }
 
-TEST_F(ShellEchoOnBusyBox, EveryPairOfBytesBehindABackslashIsReadAsTheShellReadsIt) {
+TEST_F(ShellEchoOnBusyBox, EveryByteBehindABackslashIsReadAsTheShellReadsIt) {
+    const std::string takes_more = "x01234567\\";
     std::vector<std::string> texts;
     for (int first = 1; first < 256; first++) {
-        for (int second = 1; second < 256; second += first < 128 ? 1 : 17) {
+        const bool every = takes_more.find(static_cast<char>(first)) != std::string::npos;
+        for (int second = 1; second < 256; second += every ? 1 : 17) {
             const std::string text = {'\\', static_cast<char>(first), static_cast<char>(second),
                                       '7', '!'};
             if (!only_the_shell_knows(text.c_str())) {

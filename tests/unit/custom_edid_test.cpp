@@ -107,7 +107,7 @@ TEST_F(CustomEdid, InputsThatUseItAreToldToTakeItAgain) {
 }
 
 TEST_F(CustomEdid, AnotherLengthIsRefusedAndNothingIsDone) {
-    for (const size_t length : {1, 2, 510, 511, 513, 514, 2047, 2048, 4096, 500000}) {
+    for (const size_t length : {1U, 2U, 510U, 511U, 513U, 514U, 2047U, 2048U, 4096U, 500000U}) {
         const std::string edid(length, 'a');
         EXPECT_EQ(
             load_custom_edid((R"({"custom_edid_name":"n","custom_edid":")" + edid + "\"}").c_str()),

@@ -266,7 +266,7 @@ TEST(ShellEcho, EveryEscapeAtTheEndOfATextIsReadWithinIt) {
 // ---------------------------------------------------------------
 
 TEST(ShellEcho, AnUploadOfQuotesAloneIsStoredWhole) {
-    for (const size_t count : {1, 2, 1023, 1024, 1025, 2047, 2048, 2049, 512000}) {
+    for (const size_t count : {1U, 2U, 1023U, 1024U, 1025U, 2047U, 2048U, 2049U, 512000U}) {
         char* text = encode_list_text(std::string(count, '"').c_str(), LineBreaks::drop);
         ASSERT_NE(text, nullptr);
         std::string tags;
