@@ -73,6 +73,11 @@ void apply_ir_section(const cJSON* section);
 void apply_trigger_section(const cJSON* section);
 
 // services/network.cpp
+
+// Sets the addresses, host name, VLANs and discovery of the first port ("lan1"), the switch, power
+// and VLANs of the second ("lan2") and the three service networks ("services_settings"), whose
+// VLANs then enter and leave the member lists of both ports. The unit's parameters are read first,
+// whatever the section holds.
 void apply_network_section(const cJSON* section);
 
 // services/security.cpp
