@@ -50,6 +50,7 @@ constexpr Member kinds[] = {
     begins_with("k", "dhcp", "yes", "no", both),
     handled("k", JsonType::any, record_item, both),
     object("k", inner_members, both),
+    object_only("k", inner_members, both),
     always("fixed;", both),
     pause(2),
     ignored("k", JsonType::any, pause_always(1)),
@@ -146,6 +147,7 @@ const std::map<Kind, std::map<std::string, std::string>> expected_lines = {
       {"[]", "pause 4\n"},
       {"{}", "pause 4\n"},
       {"{\"on\":true}", "pause 4\nshell inner 1\n"}}},
+    {Kind::object_only, {{"{}", "pause 4\n"}, {"{\"on\":true}", "pause 4\nshell inner 1\n"}}},
 };
 
 TEST(MemberRows, EachKindTakesItsJsonTypesAndPausesBehindThem) {
