@@ -2,10 +2,13 @@
 
 #include <cstring>
 
+static constexpr char top_bit_only[] = "0x80000000";
+static constexpr char no_bits[] = "0x00000000";
+
 void normalise_video_engine_option(char* option) {
     if (strcmp(option, "0x8") == 0) {
-        strcpy(option, "0x80000000");
+        memcpy(option, top_bit_only, sizeof top_bit_only);
     } else if (strcmp(option, "0x0") == 0 || option[0] == '\0') {
-        strcpy(option, "0x00000000");
+        memcpy(option, no_bits, sizeof no_bits);
     }
 }
