@@ -73,6 +73,15 @@ TEST(Answer, AnInterruptedMarkMayBeginAnew) {
     EXPECT_FALSE(completes(mark.substr(0, 20) + "x" + mark.substr(20) + "\r\n12345"));
 }
 
+TEST(Answer, AMarkWithAnotherCharacterInItIsNone) {
+    const std::string whole = mark + "\r\n12345";
+    for (size_t at = 0; at < mark.size(); at++) {
+        std::string changed = whole;
+        changed[at] = '?';
+        EXPECT_FALSE(completes(changed)) << changed;
+    }
+}
+
 TEST(Answer, BytesOfAnyValueMayStandAroundTheMark) {
     std::string bytes;
     for (int byte = 0; byte < 256; byte++) {

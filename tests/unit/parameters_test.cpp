@@ -92,6 +92,7 @@ TEST_F(Parameters, TheValueOfTheFirstLineThatBeginsWithTheKeyIsTaken) {
 
 TEST_F(Parameters, EmptyLinesAreSteppedOver) {
     EXPECT_EQ(lm_value("\n\r\n\nA=1\n\n\nB=2", "B="), "2");
+    EXPECT_EQ(lm_value("\nA=1\n", "A="), "1");
 }
 
 TEST_F(Parameters, NulBytesEndALineToo) {
