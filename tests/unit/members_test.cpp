@@ -53,6 +53,7 @@ constexpr Member kinds[] = {
     number_list("k", "l \"%s\"", both),
     handled("k", JsonType::any, record_item, both),
     object("k", inner_members, both),
+    object_only("k", inner_members, both),
     always("fixed;", both),
     pause(2),
     ignored("k", JsonType::any, pause_always(1)),
@@ -153,6 +154,7 @@ const std::map<Kind, std::map<std::string, std::string>> expected_lines = {
       {"[4,-5]", "pause 4\n"},
       {"{}", "pause 4\n"},
       {"{\"on\":true}", "pause 4\nshell inner 1\n"}}},
+    {Kind::object_only, {{"{}", "pause 4\n"}, {"{\"on\":true}", "pause 4\nshell inner 1\n"}}},
 };
 
 TEST(MemberRows, EachKindTakesItsJsonTypesAndPausesBehindThem) {
