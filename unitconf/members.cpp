@@ -2,9 +2,11 @@
 
 #include <climits>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 
 #include "device/unit.h"
+#include "unitconf/numbers.h"
 
 const cJSON* find_member(const cJSON* object, const char* key, bool exact_case) {
     return exact_case ? cJSON_GetObjectItemCaseSensitive(object, key)
@@ -14,6 +16,15 @@ const cJSON* find_member(const cJSON* object, const char* key, bool exact_case) 
 const Word* find_word(const char* text, Vocabulary words) {
     for (size_t i = 0; i < words.count; i++) {
         if (strcmp(text, words.words[i].word) == 0) {
+            return &words.words[i];
+        }
+    }
+    return nullptr;
+}
+
+const Word* find_code(int code, Vocabulary words) {
+    for (size_t i = 0; i < words.count; i++) {
+        if (words.words[i].code == code) {
             return &words.words[i];
         }
     }
@@ -55,6 +66,18 @@ static bool apply_number(const Member& row, int value) {
     return above_lowest <= width && send_number(row.line, value + row.offset);
 }
 
+static bool apply_chosen_text(const Member& row, int code) {
+    const Word* chosen = code < 0 ? nullptr : find_code(code, row.words);
+    return chosen != nullptr && chosen->text != nullptr && send_value(row.line, chosen->text);
+}
+
+static bool send_number_list(const Line& line, const cJSON* item) {
+    char* list = json_number_array_to_list(item);
+    const bool sent = list != nullptr && send_value(line, list);
+    free(list);
+    return sent;
+}
+
 static bool apply_text(const Member& row, const char* value) {
     switch (row.kind) {
         case Kind::text:
@@ -94,6 +117,8 @@ static bool apply_member(const Section& section, const Member& row, const cJSON*
             const int code = choice_code(item, row.words);
             return code >= 0 && send_number(row.line, code);
         }
+        case Kind::chosen_text:
+            return apply_chosen_text(row, choice_code(item, row.words));
         case Kind::text:
         case Kind::any_text:
         case Kind::word:
@@ -102,6 +127,8 @@ static bool apply_member(const Section& section, const Member& row, const cJSON*
         case Kind::begins_with:
             return cJSON_IsString(item) && (!row.not_empty || item->valuestring[0] != '\0') &&
                    apply_text(row, item->valuestring);
+        case Kind::number_list:
+            return send_number_list(row.line, item);
         case Kind::handled:
             return row.handler(section, item);
         case Kind::object_only:
@@ -125,12 +152,16 @@ static bool apply_row(const Section& section, const Member& row) {
     if (row.key == nullptr) {
         return row.line.text != nullptr && send_plain(row.line);
     }
+    const cJSON* object = row.of_whole_section ? section.whole : section.object;
     if (row.partner != nullptr &&
-        find_member(section.object, row.partner, row.partner_exact_case) == nullptr) {
+        find_member(object, row.partner, row.partner_exact_case) == nullptr) {
         return false;
     }
-    const cJSON* holder =
-        row.parent == nullptr ? section.object : find_member(section.object, row.parent, false);
+    if (row.displaced_by != nullptr &&
+        cJSON_IsObject(find_member(section.whole, row.displaced_by, false))) {
+        return false;
+    }
+    const cJSON* holder = row.parent == nullptr ? object : find_member(object, row.parent, false);
     const cJSON* item = find_member(holder, row.key, row.exact_case);
     return item != nullptr && apply_member(section, row, item);
 }

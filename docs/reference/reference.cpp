@@ -76,7 +76,10 @@ std::string words_and_limits(const Member& row) {
     for (size_t i = 0; i < row.words.count; i++) {
         const Word& word = row.words.words[i];
         text += (i == 0 ? "" : ", ") + quoted(word.word);
-        if (word.text != nullptr) {
+        if (row.kind == Kind::chosen_text) {
+            text += " or " + std::to_string(word.code) + " = " +
+                    (word.text == nullptr ? "nothing" : code(word.text));
+        } else if (word.text != nullptr) {
             text += " = " + code(word.text);
         } else if (row.kind != Kind::handled || word.code >= 0) {
             text += " = " + std::to_string(word.code);
@@ -96,6 +99,8 @@ std::string words_and_limits(const Member& row) {
             return row.test == nullptr ? "not empty" : "not empty, and valid";
         case Kind::any_text:
             return row.not_empty ? "not empty" : "";
+        case Kind::number_list:
+            return "numbers, told as a list with \",\" between them";
         default:
             return text;
     }
@@ -128,6 +133,9 @@ std::string what_is_told(const Member& row) {
     if (row.partner != nullptr) {
         text += "; only together with " + code(row.partner);
     }
+    if (row.displaced_by != nullptr) {
+        text += "; only without an object " + code(row.displaced_by) + " in the section";
+    }
     return text;
 }
 
@@ -148,7 +156,8 @@ void print_row(const char* section, const std::string& path, const Member& row) 
     std::string name;
     std::string told = what_is_told(row);
     if (row.key != nullptr) {
-        name = path + (row.parent == nullptr ? "" : std::string(row.parent) + ".") + row.key;
+        name = row.of_whole_section ? "" : path;
+        name += (row.parent == nullptr ? "" : std::string(row.parent) + ".") + row.key;
         const char* note = note_of(section, name);
         if (note != nullptr) {
             told += (told.empty() ? "" : "; ") + std::string(note);
