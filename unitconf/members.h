@@ -110,7 +110,7 @@ enum class Kind : unsigned char {
     object_only,        // the same, but only when it is an object
     always,             // no member: a fixed line
     pause,              // no member: only the pause
-    ignored,            // looked up and accepted, never applied
+    ignored,            // looked up and accepted, never applied by itself
 };
 
 // What a document must hold for the row to send something.
@@ -369,6 +369,15 @@ constexpr Member not_empty(Member row) {
 constexpr Member together_with(const char* partner, bool partner_exact_case, Member row) {
     row.partner = partner;
     row.partner_exact_case = partner_exact_case;
+    return row;
+}
+
+// A member without a line of its own: the row of `partner` reads it and says what becomes of it.
+// The row is there so that the table names every member.
+constexpr Member read_with(const char* partner, bool partner_exact_case, const char* key,
+                           JsonType type, Vocabulary words = {}) {
+    Member row = together_with(partner, partner_exact_case, ignored(key, type));
+    row.words = words;
     return row;
 }
 

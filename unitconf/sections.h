@@ -51,22 +51,53 @@ void apply_usbc_encoder_hdcp_section(const cJSON* section);
 void apply_hdmi_encoder_hdcp_section(const cJSON* section);
 void apply_decoder_hdcp_section(const cJSON* section);
 
-// images_routing_preview.cpp: the decoder's pictures and routing, and every model's
-// "stream"."preview".
+// images_routing_preview.cpp
+
+// Whether the decoder shows a picture while no stream arrives. Takes 1 second.
 void apply_no_stream_image_section(const cJSON* section);
+
+// Whether the decoder shows a picture when it starts, and for how long: the number is stored as
+// given, without limits.
 void apply_power_on_image_section(const cJSON* section);
+
+// Connects the decoder to the units that it receives video, audio, USB and keyboard/mouse from,
+// each in 3 seconds; a route that is not a text with at least one character is left as it is.
 void apply_routing_section(const cJSON* section);
+
+// The preview stream of every model: its resolution ("1280x720"), its frame rate and whether it is
+// on, each in 1 second. What the section does not give is taken from the present options, which
+// are read for each of them anew; fields that these lack stay empty.
 void apply_preview_section(const cJSON* section);
 
-// usb.cpp: "usb_devices" of every model and "usb_host" of the encoders.
+// usb.cpp
+
+// USB power, following the video's route, the green list of units that may connect, and mouse
+// roaming, on every model. Takes 2 seconds, and 1 more each for "usb_km_enable" and a green list.
+// The green list holds at most 30 bytes for each of its elements and for its first line; the rest
+// is cut off.
 void apply_usb_devices_section(const cJSON* section);
+
+// Whether the encoder's USB host port may be used, and the input that it follows; an unknown input
+// is sent as -1. Takes 2 seconds, and 1 more to switch the port.
 void apply_usb_host_section(const cJSON* section);
 
-// osd_video_wall.cpp: the decoder's "osd" and "video_wall".
+// osd_video_wall.cpp
+
+// The decoder's on-screen display: its text, place, font, colours and how long it stays.
+// Numbers are stored without limits, an unknown place as -1.
 void apply_osd_section(const cJSON* section);
+
+// The decoder's place in a wall of at most 19 by 19 displays, what of the picture it shows and its
+// bezels, then whether it takes part, which is what the displays change with (1 to 3 seconds).
+// Sizes and positions outside the limits are skipped by themselves.
 void apply_video_wall_section(const cJSON* section);
 
 // dante.cpp
+
+// The names of the Dante device and its channels, its transmitter, its bridge to the stream audio,
+// and the add-on mode of the unit. The mode is set by every section: one that asks for neither kind
+// of add-on, whatever its JSON type, switches the add-on off. A channel name that is too long for
+// Dante is stored and not sent. Takes at least 6 seconds, and 3 more for each name sent to Dante.
 void apply_dante_section(const cJSON* section);
 
 // services/serial.cpp, services/ir_trigger.cpp

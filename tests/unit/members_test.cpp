@@ -293,6 +293,15 @@ TEST(MemberRows, AMemberThatNeedsAPartnerKeepsItsPauseWithoutIt) {
     EXPECT_EQ(apply_row_to(loose, R"({"k":"a","P":true})"), "shell t a\n");
 }
 
+TEST(MemberRows, AMemberThatAnotherRowReadsSendsNothingItself) {
+    const Member row = read_with("p", true, "k", JsonType::string, speeds);
+    EXPECT_TRUE(well_formed_row(row));
+    EXPECT_EQ(row.words.count, 3U);
+    for (const char* document : {R"({"k":"low","p":true})", R"({"k":"low"})", R"({"k":1,"p":1})"}) {
+        EXPECT_EQ(apply_row_to(row, document), "") << document;
+    }
+}
+
 TEST(MemberRows, ADisplacedMemberCountsOnlyWithoutTheOtherObject) {
     static constexpr Member part[] = {
         displaced("other", number("k", "n %d", pause_when_sent_then_always(2, 1))),
