@@ -1,6 +1,7 @@
 // Preloaded into the gateway only: lets its pauses pass a thousand times faster. Nothing but the
 // length of pauses changes; clocks and time-outs keep real time. An interrupted pause tells what is
-// left of it in the caller's own, unscaled seconds, as the C library does.
+// left of it in the caller's own, unscaled seconds, as the C library does (sleep drops the
+// fraction).
 
 #include <dlfcn.h>
 #include <errno.h>
@@ -41,7 +42,7 @@ static long long pause_scaled(long long wanted) {
 
 extern "C" unsigned sleep(unsigned seconds) {
     const long long left = pause_scaled(seconds * billion);
-    return static_cast<unsigned>((left + billion - 1) / billion);
+    return static_cast<unsigned>(left / billion);
 }
 
 extern "C" int usleep(useconds_t microseconds) {

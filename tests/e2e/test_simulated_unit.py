@@ -45,7 +45,8 @@ def test_EchoIsTheAppliancesOwn(u300):
 def test_AScriptOnStandardInputRunsAndIsJournaledWhole(u300):
     script = b"x=word\necho got $x\n: " + b"y" * 200000 + b"\nexit 3"
     assert u300.run(["/bin/sh"], stdin=script) == (3, b"got word\n")
-    assert u300.journal() == ["script " + script.decode().replace("\n", "^0A")]
+    assert u300.run(["/bin/sh", "-c", "sh"], stdin=script) == (3, b"got word\n")
+    assert u300.journal() == ["script " + script.decode().replace("\n", "^0A")] * 2
 
 
 def test_BackgroundChildrenAreNotWaitedFor(u300):
