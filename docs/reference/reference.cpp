@@ -169,11 +169,13 @@ void print_row(const char* section, const std::string& path, const Member& row) 
     const std::string shown = row.key != nullptr ? code(name) : told.empty() ? "" : "(always)";
     if (row.kind == Kind::object) {
         told += told.empty() ? "its members, when it is there:" : "";
+    } else if (row.kind == Kind::object_only) {
+        told += told.empty() ? "its members, when it is an object:" : "";
     }
     printf("| %s | %s%s | %s | %s | %s |\n", shown.c_str(), type_name(row.type),
            row.key != nullptr && row.exact_case ? ", exact case" : "", words_and_limits(row).c_str(),
            told.c_str(), pauses_of(row.pauses).c_str());
-    if (row.kind == Kind::object) {
+    if (row.members != nullptr) {
         print_rows(section, name + ".", row.members, row.member_count);
     }
 }
