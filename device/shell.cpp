@@ -51,7 +51,14 @@ int read_command_output(const char* command, char* out) {
 }
 
 void pause_seconds(unsigned seconds) {
-    while (seconds > 0) {
-        seconds = sleep(seconds);
+    // An interruption shows in errno: what sleep gives back is cut to whole seconds, so a second
+    // more makes up for the part that it does not tell.
+    for (;;) {
+        errno = 0;
+        const unsigned left = sleep(seconds);
+        if (errno != EINTR) {
+            return;
+        }
+        seconds = left < seconds ? left + 1 : seconds;
     }
 }
