@@ -11,8 +11,7 @@
 #include "device/unit.h"
 #include "unitconf/configuration.h"
 
-// --- The replies
-// ----------------------------------------------------------------------------------
+// --- The replies ---------------------------------------------------------------------------------
 
 enum class Reply : unsigned char {
     none,
@@ -65,8 +64,7 @@ static void print_reply(Reply reply, const char* mac) {
     }
 }
 
-// --- The kinds of uploads
-// -------------------------------------------------------------------------
+// --- The kinds of uploads ------------------------------------------------------------------------
 
 static constexpr int handler_results = 6;
 
@@ -119,8 +117,7 @@ static const UploadKind* recognise_upload(const char* request, size_t length) {
     return nullptr;
 }
 
-// --- The dispatch
-// ---------------------------------------------------------------------------------
+// --- The dispatch --------------------------------------------------------------------------------
 
 static constexpr size_t content_buffer_size = 0x100000;
 static constexpr size_t size_limit = 512000;

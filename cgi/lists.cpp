@@ -60,8 +60,7 @@ static void store_printed(const cJSON* item, const StoredList& list) {
     }
 }
 
-// --- RS-232
-// ---------------------------------------------------------------------------------------
+// --- RS-232 --------------------------------------------------------------------------------------
 
 int store_rs232_list(const char* content) {
     cJSON* document = cJSON_Parse(content);
@@ -75,8 +74,7 @@ int store_rs232_list(const char* content) {
     return 1;
 }
 
-// --- IR
-// -------------------------------------------------------------------------------------------
+// --- IR ------------------------------------------------------------------------------------------
 
 static int store_ir_document(const cJSON* document, const char* content) {
     const cJSON* delay = find_member(document, "delay", false);
@@ -101,8 +99,7 @@ int store_ir_list(const char* content) {
     return result;
 }
 
-// --- Triggers
-// -------------------------------------------------------------------------------------
+// --- Triggers ------------------------------------------------------------------------------------
 
 static const char* event_name(const cJSON* event) {
     return cJSON_GetStringValue(find_member(event, "apievent", false));

@@ -20,8 +20,7 @@ enum WallResult : int {
     wall_member_missing = 4,
 };
 
-// --- The members
-// ----------------------------------------------------------------------------------
+// --- The members ---------------------------------------------------------------------------------
 
 // What every document holds.
 struct Screen {
@@ -103,8 +102,7 @@ static bool read_place(const cJSON* document, Place* place) {
     return grid_found == place_fields && found == 0;
 }
 
-// --- The values
-// -----------------------------------------------------------------------------------
+// --- The values ----------------------------------------------------------------------------------
 
 // A text's leading digits as a number, held at the 32-bit limits; 0 when it has none.
 static int decimal(const char* text) {
@@ -135,8 +133,7 @@ static bool is_wall_size(const char* count) {
     return number >= 1 && number <= 16;
 }
 
-// --- The events
-// -----------------------------------------------------------------------------------
+// --- The events ----------------------------------------------------------------------------------
 
 // The event that places the screen. A wall of the kind '2' takes the grid as the document counts
 // it. Allocated; null when memory runs out.

@@ -63,8 +63,7 @@ bool write_file(const char* path, const char* bytes, size_t size) {
     return true;
 }
 
-// --- Replacing a file as a whole
-// ------------------------------------------------------------------
+// --- Replacing a file as a whole -----------------------------------------------------------------
 
 // The names that a replacement deals with. The new content gets a name of its own before it takes
 // over the file's: the same with a "~" for the last character, so that it fits wherever the file's

@@ -10,8 +10,7 @@ static bool is_one_of(char byte, const char* list) {
     return byte != '\0' && strchr(list, byte) != nullptr;
 }
 
-// --- The shell's double quotes
-// --------------------------------------------------------------------
+// --- The shell's double quotes -------------------------------------------------------------------
 
 bool only_the_shell_knows(const char* text) {
     for (const char* at = text; *at != '\0'; at++) {
@@ -42,8 +41,7 @@ static void take_quotes_off(char* text) {
     *end = '\0';
 }
 
-// --- echo
-// -----------------------------------------------------------------------------------------
+// --- echo ----------------------------------------------------------------------------------------
 
 static constexpr char escape_letters[] = "abefnrtv\\";
 static constexpr char escaped_bytes[] = "\a\b\033\f\n\r\t\v\\";
@@ -113,8 +111,7 @@ size_t interpret_echoed(char* text) {
     return static_cast<size_t>(end - text);
 }
 
-// --- Into a file
-// ----------------------------------------------------------------------------------
+// --- Into a file ---------------------------------------------------------------------------------
 
 // Whether the shell takes the path as it stands.
 static bool is_plain_path(const char* path) {

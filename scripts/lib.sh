@@ -23,6 +23,21 @@ test_needs=(
     "${demo_needs[@]}"
     "/usr/lib/python3/dist-packages/pytest:python3-pytest"
     "strace:strace"
+    "git:git"
+    "make:make"
+    "clang++:clang"
+    "/usr/lib/llvm-*/lib/clang/*/lib/linux/libclang_rt.fuzzer-*.a:libclang-rt-14-dev"
+    "clang-format:clang-format"
+    "clang-tidy:clang-tidy"
+    "lintian:lintian"
+)
+# The appliance's own architecture: its compiler, its libraries, and a processor to run it on.
+armhf_needs=(
+    "arm-linux-gnueabihf-g++:g++-arm-linux-gnueabihf"
+    "qemu-arm-static:qemu-user-static"
+    "/usr/lib/arm-linux-gnueabihf/libcjson.so:libcjson-dev:armhf"
+    "/usr/lib/arm-linux-gnueabihf/libgtest.a:libgtest-dev:armhf"
+    "/usr/lib/arm-linux-gnueabihf/libstdc++.so.6:libstdc++6:armhf"
 )
 
 say() {
@@ -82,13 +97,22 @@ install_quietly() {
 ensure_packages() {
     local need missing=()
     for need in "$@"; do
-        is_there "${need%%:*}" || missing+=("${need##*:}")
+        is_there "${need%%:*}" || missing+=("${need#*:}")
     done
     [ ${#missing[@]} -gt 0 ] || return 0
     command -v apt-get >/dev/null || die "Please install: ${missing[*]}"
     say "Installing ${missing[*]}"
-    as_root apt-get update -q >&2 || die "apt-get update failed"
+    # One list that cannot be fetched need not be the one that matters.
+    as_root apt-get update -q >&2 || say "apt-get update failed in part; going on"
     install_quietly "${missing[@]}" || die "Installing packages failed"
+}
+
+# ensure_armhf: the same for what builds and runs programs of the appliance.
+ensure_armhf() {
+    if ! dpkg --print-foreign-architectures | grep -qx armhf; then
+        as_root dpkg --add-architecture armhf
+    fi
+    ensure_packages "${armhf_needs[@]}"
 }
 
 # build_gateways: the gateway of every model and the simulated unit, in $build_dir.

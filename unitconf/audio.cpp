@@ -9,8 +9,7 @@
 #include "unitconf/sections.h"
 #include "unitconf/tables.h"
 
-// --- The models
-// -----------------------------------------------------------------------------------
+// --- The models ----------------------------------------------------------------------------------
 
 struct AudioModel {
     Vocabulary sources;         // of the paths: the stream and the Dante transmitter
@@ -62,8 +61,7 @@ static constexpr AudioModel usbc_encoder_audio = {
     .auto_in_stream_audio = true,
 };
 
-// --- A path: source, volume and mute
-// --------------------------------------------------------------
+// --- A path: source, volume and mute -------------------------------------------------------------
 
 // The source that the path's object asks for, or -1.
 template <const AudioModel& model>
@@ -123,8 +121,7 @@ static_assert(well_formed(transmit_members<decoder_audio>));
 static_assert(well_formed(transmit_members<hdmi_encoder_audio>));
 static_assert(well_formed(transmit_members<usbc_encoder_audio>));
 
-// --- The analog port
-// ------------------------------------------------------------------------------
+// --- The analog port -----------------------------------------------------------------------------
 
 enum Direction : int { unknown_direction = -1, analog_in = 0, analog_out = 1 };
 
@@ -227,8 +224,7 @@ static_assert(well_formed(analog_members<decoder_audio>));
 static_assert(well_formed(analog_members<hdmi_encoder_audio>));
 static_assert(well_formed(analog_members<usbc_encoder_audio>));
 
-// --- The decoder
-// ----------------------------------------------------------------------------------
+// --- The decoder ---------------------------------------------------------------------------------
 
 static constexpr Word decoder_stream_sources[] = {{"zavo stream audio", 0}, {"dante/aes67 rx", 1}};
 static constexpr Word decoder_hdmi_sources[] = {{"afv", 0}, {"stream audio", 1}};
@@ -262,8 +258,7 @@ static constexpr Member decoder_members[] = {
 };
 static_assert(well_formed(decoder_members));
 
-// --- The encoders
-// ---------------------------------------------------------------------------------
+// --- The encoders --------------------------------------------------------------------------------
 
 template <const AudioModel& model>
 static constexpr Member encoder_stream_members[] = {
@@ -285,8 +280,7 @@ static constexpr Member encoder_members[] = {
 static_assert(well_formed(encoder_members<hdmi_encoder_audio>));
 static_assert(well_formed(encoder_members<usbc_encoder_audio>));
 
-// --- The sections
-// ---------------------------------------------------------------------------------
+// --- The sections --------------------------------------------------------------------------------
 
 const SectionTable decoder_audio_table = {"stream.audio", decoder, decoder_members};
 const SectionTable hdmi_encoder_audio_table = {"stream.audio", hdmi_encoder,

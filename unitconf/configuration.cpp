@@ -23,8 +23,7 @@ struct SectionRow {
 // The total that every progress message carries; the steps of a model need not end at it.
 static constexpr int progress_total = 26;
 
-// --- The sections of each model, in the order in which they are applied
-// ---------------------------
+// --- The sections of each model, in the order in which they are applied --------------------------
 
 static constexpr SectionRow usbc_encoder_sections[] = {
     {"stream", "video", apply_usbc_encoder_video_section, Progress::none},
@@ -119,8 +118,7 @@ static constexpr Model models[] = {
 static constexpr Model unknown_model = {nullptr,
                                         {time_and_dante_sections, control_and_service_sections}};
 
-// --- The run
-// --------------------------------------------------------------------------------------
+// --- The run -------------------------------------------------------------------------------------
 
 // Model names are compared over this many characters, so that a longer text which begins with the
 // model passes.

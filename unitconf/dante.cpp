@@ -26,8 +26,7 @@ static bool has_dante_add_on(const ParameterSnapshot* present) {
     return strncmp(present->value[slot_a_addon], "dante", 5) == 0;
 }
 
-// --- Channel names
-// --------------------------------------------------------------------------------
+// --- Channel names -------------------------------------------------------------------------------
 
 // How a channel is named: the line that stores the name and the one that hands it to the Dante
 // device, which takes names up to a length.
@@ -129,8 +128,7 @@ static bool follow_with_rx_channel_2(const Section&, const cJSON* item) {
                               item);
 }
 
-// --- Transmitting and the bridge
-// ------------------------------------------------------------------
+// --- Transmitting and the bridge -----------------------------------------------------------------
 
 // The front panel is told only on a unit that has the add-on.
 static bool bridge_stream_audio(const Section& section, const cJSON* item) {
@@ -172,8 +170,7 @@ static constexpr Member dante_audio_members[] = {
 };
 static_assert(well_formed(dante_audio_members));
 
-// --- The section's own members
-// --------------------------------------------------------------------
+// --- The section's own members -------------------------------------------------------------------
 
 // The script's name is spelled like that on the unit.
 static bool name_dante_device(const Section&, const cJSON* item) {
@@ -227,8 +224,7 @@ static constexpr Member dante_members[] = {
 };
 static_assert(well_formed(dante_members));
 
-// --- The add-on
-// -----------------------------------------------------------------------------------
+// --- The add-on ----------------------------------------------------------------------------------
 
 // Without the add-on the video engine runs with its topmost bit set: the first digit becomes "8".
 static void set_video_engine_for_no_add_on() {
@@ -266,8 +262,7 @@ static void choose_add_on() {
     pause_seconds(5);
 }
 
-// --- The section
-// ----------------------------------------------------------------------------------
+// --- The section ---------------------------------------------------------------------------------
 
 const SectionTable dante_table = {"dante", every_model, dante_members};
 

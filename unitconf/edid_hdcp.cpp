@@ -5,8 +5,7 @@
 #include "unitconf/sections.h"
 #include "unitconf/tables.h"
 
-// --- EDID
-// -----------------------------------------------------------------------------------------
+// --- EDID ----------------------------------------------------------------------------------------
 
 // The displays that the unit can pretend to be, in the spellings that documents use.
 static constexpr Word edid_descriptions[] = {
@@ -126,8 +125,7 @@ void apply_usbc_encoder_edid_section(const cJSON* section) {
     apply_members(section, usbc_encoder_edid_members);
 }
 
-// --- HDCP
-// -----------------------------------------------------------------------------------------
+// --- HDCP ----------------------------------------------------------------------------------------
 
 // Each mode with the command that sets it; the empty text leaves the mode as it is.
 static constexpr Word hdcp_modes[] = {

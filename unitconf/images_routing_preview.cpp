@@ -11,8 +11,7 @@
 #include "unitconf/sections.h"
 #include "unitconf/tables.h"
 
-// --- Pictures
-// -------------------------------------------------------------------------------------
+// --- Pictures ------------------------------------------------------------------------------------
 
 static constexpr Member no_stream_image_members[] = {
     flag("enable", "astparam s ns_enable 1;e e_no_stream_image 1",
@@ -27,8 +26,7 @@ static constexpr Member power_on_image_members[] = {
 };
 static_assert(well_formed(power_on_image_members));
 
-// --- Routing
-// --------------------------------------------------------------------------------------
+// --- Routing -------------------------------------------------------------------------------------
 
 // USB and keyboard/mouse are one route: with both given it is connected twice.
 static constexpr Member routing_members[] = {
@@ -41,8 +39,7 @@ static constexpr Member routing_members[] = {
 };
 static_assert(well_formed(routing_members));
 
-// --- Preview
-// --------------------------------------------------------------------------------------
+// --- Preview -------------------------------------------------------------------------------------
 
 // The preview stream's option: width, height, frame rate and three fields that are kept.
 static constexpr size_t option_fields = 6;
@@ -116,8 +113,7 @@ static constexpr Member preview_members[] = {
 };
 static_assert(well_formed(preview_members));
 
-// --- The sections
-// ---------------------------------------------------------------------------------
+// --- The sections --------------------------------------------------------------------------------
 
 const SectionTable no_stream_image_table = {"no_stream_image", decoder, no_stream_image_members};
 const SectionTable power_on_image_table = {"power_on_image", decoder, power_on_image_members};

@@ -152,8 +152,7 @@ struct Member {
     Pauses pauses = {};
 };
 
-// --- The rows
-// -------------------------------------------------------------------------------------
+// --- The rows ------------------------------------------------------------------------------------
 
 // A boolean that runs `on` for true and `off` for false.
 constexpr Member flag(const char* key, Line on, Line off, Pauses pauses = {}) {
@@ -330,8 +329,7 @@ constexpr Member ignored(const char* key, JsonType type, Pauses pauses = {}) {
     return {.kind = Kind::ignored, .type = type, .key = key, .pauses = pauses};
 }
 
-// --- What changes a row
-// ---------------------------------------------------------------------------
+// --- What changes a row --------------------------------------------------------------------------
 
 // The key stands in the sub-object `parent` of the section.
 constexpr Member within(const char* parent, Member row) {
@@ -394,8 +392,7 @@ constexpr Member and_then(Line line, Member row) {
     return row;
 }
 
-// --- The check
-// ------------------------------------------------------------------------------------
+// --- The check -----------------------------------------------------------------------------------
 
 constexpr bool same_text(const char* a, const char* b) {
     while (*a != '\0' && *a == *b) {
@@ -501,8 +498,7 @@ constexpr bool well_formed(const Member (&members)[count]) {
     return true;
 }
 
-// --- The walk
-// -------------------------------------------------------------------------------------
+// --- The walk ------------------------------------------------------------------------------------
 
 // Applies the rows of a table to `section.object`, in their order.
 void apply_member_rows(const Section& section, const Member* members, size_t count);
@@ -524,8 +520,7 @@ void apply_members_with_snapshot(const cJSON* section, const Member (&members)[c
     apply_members(section, members, &present);
 }
 
-// --- What the walker and handlers share
-// -----------------------------------------------------------
+// --- What the walker and handlers share ----------------------------------------------------------
 
 // The item of a key, ignoring case or by exact case; null when there is none.
 const cJSON* find_member(const cJSON* object, const char* key, bool exact_case);

@@ -10,8 +10,7 @@
 #include "unitconf/sections.h"
 #include "unitconf/tables.h"
 
-// --- On-screen display
-// ----------------------------------------------------------------------------
+// --- On-screen display ---------------------------------------------------------------------------
 
 static constexpr Word osd_positions[] = {
     {"top-left", 1}, {"top", 2},         {"top-right", 3}, {"left", 4},         {"center", 5},
@@ -33,8 +32,7 @@ static constexpr Member osd_members[] = {
 };
 static_assert(well_formed(osd_members));
 
-// --- Video wall
-// -----------------------------------------------------------------------------------
+// --- Video wall ----------------------------------------------------------------------------------
 
 // The stored size of a wall is the largest row and column, counted from 0 as the positions are.
 static constexpr int largest_wall = 19;
@@ -150,8 +148,7 @@ static constexpr Member video_wall_members[] = {
 };
 static_assert(well_formed(video_wall_members));
 
-// --- The sections
-// ---------------------------------------------------------------------------------
+// --- The sections --------------------------------------------------------------------------------
 
 const SectionTable osd_table = {"osd", decoder, osd_members};
 const SectionTable video_wall_table = {"video_wall", decoder, video_wall_members};

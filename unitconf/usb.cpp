@@ -42,8 +42,7 @@ static BoundedText allocate_text(size_t size) {
     return text;
 }
 
-// --- The green list
-// -------------------------------------------------------------------------------
+// --- The green list ------------------------------------------------------------------------------
 
 // Bytes of the list's text for each element and for its first line, the closing NUL included.
 static constexpr size_t green_list_element_size = 30;
@@ -86,8 +85,7 @@ static bool store_green_list(const Section& section, const cJSON* enable) {
     return true;
 }
 
-// --- Mouse roaming
-// --------------------------------------------------------------------------------
+// --- Mouse roaming -------------------------------------------------------------------------------
 
 static constexpr size_t longest_layout = 4095;
 static constexpr size_t most_roaming_units = 18;
@@ -300,8 +298,7 @@ static bool store_roaming_layout(const Section& section, const cJSON* item) {
     return true;
 }
 
-// --- "usb_devices"
-// --------------------------------------------------------------------------------
+// --- "usb_devices" -------------------------------------------------------------------------------
 
 // Keyboard/mouse and USB 2 have no switches of their own; documents carry them all the same.
 static constexpr Member usb_km_members[] = {
@@ -344,8 +341,7 @@ static constexpr Member usb_devices_members[] = {
 };
 static_assert(well_formed(usb_devices_members));
 
-// --- "usb_host"
-// -----------------------------------------------------------------------------------
+// --- "usb_host" ----------------------------------------------------------------------------------
 
 static constexpr Word host_inputs[] = {{"auto", 0}, {"usb-c", 1}, {"hdmi", 2}};
 
@@ -356,8 +352,7 @@ static constexpr Member usb_host_members[] = {
 };
 static_assert(well_formed(usb_host_members));
 
-// --- The sections
-// ---------------------------------------------------------------------------------
+// --- The sections --------------------------------------------------------------------------------
 
 const SectionTable usb_devices_table = {"usb_devices", every_model, usb_devices_members};
 const SectionTable usb_host_table = {"usb_host", both_encoders, usb_host_members};

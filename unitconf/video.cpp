@@ -8,8 +8,7 @@
 #include "unitconf/tables.h"
 #include "unitconf/video_engine.h"
 
-// --- What a row alone cannot say
-// ------------------------------------------------------------------
+// --- What a row alone cannot say -----------------------------------------------------------------
 
 enum Latency : int { ultra_low_latency = 0, normal_latency = 1 };
 
@@ -72,8 +71,7 @@ static bool apply_channel_digits(const Section&, const cJSON* item) {
     return true;
 }
 
-// --- The words
-// ------------------------------------------------------------------------------------
+// --- The words -----------------------------------------------------------------------------------
 
 // Each output scaling with its number and its timing code, in which 50 Hz comes before 60 Hz at
 // 3840 and 4096 pixels. A picture that is passed through keeps its timing: nothing is set.
@@ -124,8 +122,7 @@ static constexpr Word encoder_cast_modes[] = {
     {"multicast", "astparam s multicast_on y;"},
 };
 
-// --- Rows that several models have
-// ----------------------------------------------------------------
+// --- Rows that several models have ---------------------------------------------------------------
 
 // Pauses in seconds: the video engine reconnects in three, then the unit settles.
 static constexpr Pauses reconnecting = pause_when_sent_then_always(3, 1);
@@ -172,8 +169,7 @@ static constexpr Member custom_multicast =
                   flag("custom_multicast", "astparam s cus_multicast_enable 1;",
                        "astparam s cus_multicast_enable 0;"));
 
-// --- The sections
-// ---------------------------------------------------------------------------------
+// --- The sections --------------------------------------------------------------------------------
 
 static constexpr Member decoder_members[] = {
     text("stream_number", "e e_reconnect::%s::v", reconnecting),

@@ -158,26 +158,31 @@ std::string pauses_of(const Member& row) {
 void print_rows(const SectionTable& table, const std::string& path, const Member* rows,
                 size_t count);
 
+void add_note(const SectionTable& table, const Member& row, const std::string& name,
+              std::string* told) {
+    const char* note = note_of(table, name);
+    if (note != nullptr) {
+        *told += (told->empty() ? "" : "; ") + std::string(note);
+    } else if (row.kind == Kind::handled) {
+        fprintf(stderr, "no note for %s %s\n", table.section, name.c_str());
+        note_missing = true;
+    }
+    if (told->empty() && row.kind == Kind::object) {
+        *told = "its members, when it is there:";
+    } else if (told->empty() && row.kind == Kind::object_only) {
+        *told = "its members, when it is an object:";
+    }
+}
+
 void print_row(const SectionTable& table, const std::string& path, const Member& row) {
     std::string name;
     std::string told = what_is_told(row);
     if (row.key != nullptr) {
         name = row.of_whole_section ? "" : path;
         name += (row.parent == nullptr ? "" : std::string(row.parent) + ".") + row.key;
-        const char* note = note_of(table, name);
-        if (note != nullptr) {
-            told += (told.empty() ? "" : "; ") + std::string(note);
-        } else if (row.kind == Kind::handled) {
-            fprintf(stderr, "no note for %s %s\n", table.section, name.c_str());
-            note_missing = true;
-        }
+        add_note(table, row, name, &told);
     }
     const std::string shown = row.key != nullptr ? code(name) : "(always)";
-    if (row.kind == Kind::object) {
-        told += told.empty() ? "its members, when it is there:" : "";
-    } else if (row.kind == Kind::object_only) {
-        told += told.empty() ? "its members, when it is an object:" : "";
-    }
     printf("| %s | %s%s | %s | %s | %s |\n", shown.c_str(), type_name(row.type),
            row.key != nullptr && row.exact_case ? ", exact case" : "",
            words_and_limits(row).c_str(), told.c_str(), pauses_of(row).c_str());

@@ -54,8 +54,7 @@ namespace {
 const std::string mark = "printf \":mcu_end\" | nc -w 3 127.0.0.1 4445";
 const std::string whole_answer = "ok\r\n" + mark + "\r\n12345";
 
-// --- The unit of the test's own: all of this runs in its process
-// -----------------------------------
+// --- The unit of the test's own: all of this runs in its process ---------------------------------
 
 int transcript = -1;   // where the process writes down what happens
 int serial_line = -1;  // the reading end of /dev/ttyS1
@@ -174,8 +173,7 @@ void send_and_note(const std::string& command) {
     note("returned");
 }
 
-// --- The test's side
-// ------------------------------------------------------------------------------
+// --- The test's side -----------------------------------------------------------------------------
 
 // Runs the scenario in a unit of its own and returns what was written down there.
 std::string transcript_of(void (*scenario)()) {

@@ -228,8 +228,7 @@ TEST_P(ReplaceFile, UploadsAtTheSameTimeLeaveOneOfThemWhole) {
     EXPECT_EQ(names(), only_the_list);
 }
 
-// --- Killed at every point
-// ------------------------------------------------------------------------
+// --- Killed at every point -----------------------------------------------------------------------
 
 // A program that replaces the file, followed from one system call to the next. Whoever holds the
 // pipe's writing end is still at it.

@@ -95,8 +95,7 @@ class ShellEchoOnBusyBox : public testing::Test {
     fs::path folder;
 };
 
-// --- Random texts
-// ---------------------------------------------------------------------------------
+// --- Random texts --------------------------------------------------------------------------------
 
 using Random = std::mt19937;
 
@@ -236,8 +235,7 @@ std::vector<std::string> texts_without_expansion(unsigned seed, size_t count, Ma
     return texts;
 }
 
-// --- The comparison
-// -------------------------------------------------------------------------------
+// --- The comparison ------------------------------------------------------------------------------
 
 TEST_F(ShellEchoOnBusyBox, UploadedDocumentsAreReadAsTheShellReadsThem) {
     expect_same_in_one_script(texts_without_expansion(1, text_count, random_upload));

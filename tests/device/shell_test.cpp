@@ -16,8 +16,7 @@
 
 #include "device/unit.h"
 
-// --- A clock of the test's own, so that no test waits
-// ----------------------------------------------
+// --- A clock of the test's own, so that no test waits --------------------------------------------
 
 namespace {
 
@@ -70,8 +69,7 @@ class Shell : public testing::Test {
     std::string folder;
 };
 
-// --- run_shell_line
-// -------------------------------------------------------------------------------
+// --- run_shell_line ------------------------------------------------------------------------------
 
 TEST_F(Shell, ALineIsRunByTheShellAsItStands) {
     run_shell_line(("printf '%s' \"a  b\" > '" + path("a") + "';printf '%d;' 1 2 >> '" + path("a") +
@@ -140,8 +138,7 @@ TEST_F(Shell, LinesLeaveNoDescriptorsOpen) {
     EXPECT_EQ(open_descriptors(), before);
 }
 
-// --- read_command_output
-// --------------------------------------------------------------------------
+// --- read_command_output -------------------------------------------------------------------------
 
 // What a command leaves in a buffer that was full of "#".
 std::string output_of(const std::string& command) {
@@ -215,8 +212,7 @@ TEST_F(Shell, TheStatusOfTheCommandIsReturned) {
     EXPECT_EQ(WEXITSTATUS(read_command_output("echo 'not defined'; exit 4", out)), 4);
 }
 
-// --- pause_seconds
-// --------------------------------------------------------------------------------
+// --- pause_seconds -------------------------------------------------------------------------------
 
 TEST_F(Shell, APauseIsItsSeconds) {
     pause_seconds(1);

@@ -1,6 +1,6 @@
-// Any text as a unit configuration, on a unit whose stores hold any values, for each model, against the
-// recorder. The input is the document, a NUL, the run-time store's entries, a NUL byte doubled, and the
-// live store's lines; what is missing is empty.
+// Any text as a unit configuration, on a unit whose stores hold any values, for each model, against
+// the recorder. The input is the document, a NUL, the run-time store's entries, a NUL byte doubled,
+// and the live store's lines; what is missing is empty.
 #include <cstddef>
 #include <cstdint>
 #include <string>

@@ -1,5 +1,5 @@
-// Any bytes as the body of a request: through the recognising, the cutting and every handler, against
-// the recorder. libFuzzer looks for inputs that crash, overrun or hang.
+// Any bytes as the body of a request: through the recognising, the cutting and every handler,
+// against the recorder. libFuzzer looks for inputs that crash, overrun or hang.
 #include <cstddef>
 #include <cstdint>
 #include <string>

@@ -1,6 +1,7 @@
-// Applies uploads to the recorder for a test written in another language. Reads one JSON object a line
-// from standard input and prints one JSON object a line:
-//   in:  {"upload": "configuration" | "custom_edid" | "video_wall", "model": "ZAVO-...", "text": "...",
+// Applies uploads to the recorder for a test written in another language. Reads one JSON object a
+// line from standard input and prints one JSON object a line:
+//   in:  {"upload": "configuration" | "custom_edid" | "video_wall", "model": "ZAVO-...", "text":
+//   "...",
 //         "rw": [["key", "value"], ...], "lm": [["KEY", "value"], ...],
 //         "answers": {"astparam g key": "last line", ...}, "files": {"/path": "content", ...},
 //         "refuse": ["/path that cannot be written", ...]}

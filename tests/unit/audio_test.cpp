@@ -204,8 +204,7 @@ const AnalogPort analog_ports[] = {
      {{"afv", 0}, {"usb-c", 1}, {"hdmi", 2}, {"dante/aes67 rx", 3}}},
 };
 
-// --- Whole sections
-// -------------------------------------------------------------------------------
+// --- Whole sections ------------------------------------------------------------------------------
 
 TEST_F(AudioSection, FullDecoderDocumentIsAppliedInOrderAndCosts25Seconds) {
     const std::string trace = trace_of(apply_decoder_audio_section, R"({
@@ -427,8 +426,7 @@ TEST_F(AudioSection, KeysThatAreNoBooleansIgnoreCase) {
                   "pause 1\n");
 }
 
-// --- Paths: source, volume and mute
-// ---------------------------------------------------------------
+// --- Paths: source, volume and mute --------------------------------------------------------------
 
 TEST_F(AudioSection, PathSourceTakesItsWordsAndNumbersOf0OrMore) {
     for (const Path& path : paths) {
@@ -539,8 +537,7 @@ TEST_F(AudioSection, PathMuteIsLookedUpByExactCase) {
     }
 }
 
-// --- The encoders' stream
-// -------------------------------------------------------------------------
+// --- The encoders' stream ------------------------------------------------------------------------
 
 TEST_F(AudioSection, AnalogPriorityIsABooleanOfTheStream) {
     for (const Block* block : {&hdmi_encoder_stream, &usbc_encoder_stream}) {
@@ -553,8 +550,7 @@ TEST_F(AudioSection, AnalogPriorityIsABooleanOfTheStream) {
     expect_nothing_sent(hdmi_encoder_analog, "analog_priority", {"true"});
 }
 
-// --- The analog port
-// ------------------------------------------------------------------------------
+// --- The analog port -----------------------------------------------------------------------------
 
 TEST_F(AudioSection, AnalogAutoOfTheDecoderStandsInAnalogAudio) {
     expect_cases(decoder_analog, {{"auto", "true", "mcu setaauto,on\npause 1\n"},
@@ -808,8 +804,7 @@ TEST_F(AudioSection, AnalogOutputDelayIsANumberOfAnyValue) {
     }
 }
 
-// --- The decoder's own members
-// --------------------------------------------------------------------
+// --- The decoder's own members -------------------------------------------------------------------
 
 TEST_F(AudioSection, AudioFollowVideoIsABooleanWithoutAPause) {
     expect_cases(decoder_top, {{"audio_follow_video", "true", "shell astparam s audioFlv 1\n"},

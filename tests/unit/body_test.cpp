@@ -16,8 +16,7 @@ std::string content_of(const std::string& text, size_t most = plenty) {
 const std::string disposition =
     "Content-Disposition: form-data; name=\"UnitConfUpload\"; filename=\"a.json\"\r\n";
 
-// --- Where the content starts
-// ---------------------------------------------------------------------
+// --- Where the content starts --------------------------------------------------------------------
 
 TEST(Body, ContentStartsRightBehindThreeTypes) {
     for (const char* type : {"text/plain", "application/octet-stream", "image/png"}) {
@@ -81,8 +80,7 @@ TEST(Body, ATextWithoutHeadersIsContentFromItsFirstByte) {
     EXPECT_EQ(content_of(""), "");
 }
 
-// --- Where it ends
-// --------------------------------------------------------------------------------
+// --- Where it ends -------------------------------------------------------------------------------
 
 TEST(Body, ContentEndsAtALineEndAndFourHyphens) {
     EXPECT_EQ(content_of("one\r\n----two\r\n----"), "one");
@@ -130,8 +128,7 @@ TEST(Body, ALongerContentIsKnownByItsLength) {
     }
 }
 
-// --- Finding a text
-// -------------------------------------------------------------------------------
+// --- Finding a text ------------------------------------------------------------------------------
 
 TEST(Body, ATextIsFoundAnywhereAndNotBeyondTheEnd) {
     const std::string text = "abcabc";

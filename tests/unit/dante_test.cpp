@@ -62,8 +62,7 @@ std::string audio_trace_with_name(const std::string& told) {
     return snapshot_trace + told + audio_only + marker;
 }
 
-// --- The order of a whole section
-// -----------------------------------------------------------------
+// --- The order of a whole section ----------------------------------------------------------------
 
 TEST_F(Dante, EverythingIsToldInItsOrder) {
     set_rw_value("a_addon", "dante");
@@ -138,8 +137,7 @@ TEST_F(Dante, EverythingIsToldInItsOrder) {
               "shell echo 1 > /user_data2/no_dante_upgrade_config\n");
 }
 
-// --- The section's own members
-// --------------------------------------------------------------------
+// --- The section's own members -------------------------------------------------------------------
 
 TEST_F(Dante, ASectionThatOnlyNamesTheDeviceSwitchesTheAddOnOff) {
     EXPECT_EQ(apply(R"({"Dante_Name":"Hall \"1\" %s"})"),
@@ -256,8 +254,7 @@ TEST_F(Dante, OnlyAUnitWithTheAddOnInThatModeGoesBackToMulticast) {
     }
 }
 
-// --- The add-on
-// -----------------------------------------------------------------------------------
+// --- The add-on ----------------------------------------------------------------------------------
 
 TEST_F(Dante, BothKindsOfAddOnAreStoredTheAudioOnlyOneLast) {
     EXPECT_EQ(apply(R"({"dante_ava":true,"dante_audio_only":true})"),
@@ -332,8 +329,7 @@ TEST_F(Dante, TheMarkerIsWrittenForAUnitThatHadTheAddOn) {
     EXPECT_EQ(apply("[]"), snapshot_trace + no_add_on + marker);
 }
 
-// --- "dante_audio"
-// --------------------------------------------------------------------------------
+// --- "dante_audio" -------------------------------------------------------------------------------
 
 struct Channel {
     const char* key;        // "tx_ch1"
@@ -594,8 +590,7 @@ TEST_F(Dante, AnAudioObjectWithoutMembersChangesNothing) {
     }
 }
 
-// --- The table
-// ------------------------------------------------------------------------------------
+// --- The table -----------------------------------------------------------------------------------
 
 TEST(DanteTable, NamesItsSectionAndModels) {
     EXPECT_STREQ(dante_table.section, "dante");

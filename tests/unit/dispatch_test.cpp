@@ -103,8 +103,7 @@ std::string exported(const std::string& last_value) {
            last_value + "\"}";
 }
 
-// --- The replies
-// ----------------------------------------------------------------------------------
+// --- The replies ---------------------------------------------------------------------------------
 
 TEST_F(Dispatch, EveryKindHasItsReplies) {
     const struct {
@@ -190,8 +189,7 @@ TEST_F(Dispatch, HeadersWithoutAnEndHaveNoReply) {
     EXPECT_EQ(recorded_trace(), read_mac + read_mac + read_mac);
 }
 
-// --- The kinds
-// ------------------------------------------------------------------------------------
+// --- The kinds -----------------------------------------------------------------------------------
 
 // A request that all patterns from `first` on are in, the last one first. Each pattern is a kind
 // that the reply or the trace is known by.
@@ -256,8 +254,7 @@ TEST_F(Dispatch, ExportedCertificatesAreNoFormat) {
                   "shell rm -rf /var/tmp/ca_2.pem.txt\n");
 }
 
-// --- The limits
-// -----------------------------------------------------------------------------------
+// --- The limits ----------------------------------------------------------------------------------
 
 std::string padded(const std::string& document, size_t size) {
     return document + std::string(size - document.size(), ' ');
@@ -299,8 +296,7 @@ TEST_F(Dispatch, ALaterShorterContentHoldsNothingOfTheOneBefore) {
     EXPECT_EQ(reply_to(posted("CustomEdidFile", "{}")), success());
 }
 
-// --- The surroundings
-// -----------------------------------------------------------------------------
+// --- The surroundings ----------------------------------------------------------------------------
 
 TEST_F(Dispatch, WhatWasPrintedBeforeStandsBeforeTheReply) {
     testing::internal::CaptureStdout();

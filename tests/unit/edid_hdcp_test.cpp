@@ -59,8 +59,7 @@ void expect_nothing_sent(const Block& block, const std::string& key,
 
 const std::vector<std::string> texts_of_every_json_value = {"\"\"", "\"x\"", "\"5\"", "\"-\""};
 
-// --- EDID
-// -----------------------------------------------------------------------------------------
+// --- EDID ----------------------------------------------------------------------------------------
 
 const IdleRows input_rows = {
     {"copy_edid", "pause 1\n"}, {"predefined", "pause 1\n"}, {"upload_edid_name", "pause 1\n"}};
@@ -286,8 +285,7 @@ TEST_F(EdidAndHdcpSections, UploadEdidNameIsATextThatIsNotEmpty) {
     }
 }
 
-// --- HDCP
-// -----------------------------------------------------------------------------------------
+// --- HDCP ----------------------------------------------------------------------------------------
 
 const Block decoder_hdcp = {
     "decoder",   apply_decoder_hdcp_section,

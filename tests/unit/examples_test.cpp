@@ -73,8 +73,7 @@ unsigned pauses_in(const std::string& trace) {
     return seconds;
 }
 
-// --- Every member
-// ---------------------------------------------------------------------------------
+// --- Every member --------------------------------------------------------------------------------
 
 const cJSON* part_of(const cJSON* document, const std::string& path) {
     std::istringstream keys(path);
@@ -118,8 +117,7 @@ TEST(Examples, HoldEveryMemberOfTheirModelsTables) {
     }
 }
 
-// --- Every section in its place
-// -------------------------------------------------------------------
+// --- Every section in its place ------------------------------------------------------------------
 
 std::string progress(size_t step) {
     return "shell echo \"upgradeUnitSetting:" + std::to_string(step) +
@@ -189,8 +187,7 @@ TEST(Examples, SectionsOfOtherModelsAreIgnored) {
     }
 }
 
-// --- The pauses
-// -----------------------------------------------------------------------------------
+// --- The pauses ----------------------------------------------------------------------------------
 
 TEST(Examples, TheDeploymentGuideTellsThePausesOfEachModel) {
     const std::string guide = file_text(std::string(EXAMPLES_DIR) + "/../docs/deployment.md");

@@ -10,8 +10,7 @@
 
 namespace {
 
-// --- "no_stream_image"
-// -----------------------------------------------------------------------------
+// --- "no_stream_image" ---------------------------------------------------------------------------
 
 class NoStreamImage : public testing::Test {
   protected:
@@ -48,8 +47,7 @@ TEST_F(NoStreamImage, PlaylistModeChangesNothing) {
     }
 }
 
-// --- "power_on_image"
-// ------------------------------------------------------------------------------
+// --- "power_on_image" ----------------------------------------------------------------------------
 
 class PowerOnImage : public testing::Test {
   protected:
@@ -89,8 +87,7 @@ TEST_F(PowerOnImage, WrongTypesChangeNothing) {
     EXPECT_EQ(apply(R"({"ENABLE":true})"), "");
 }
 
-// --- "routing"
-// -------------------------------------------------------------------------------------
+// --- "routing" -----------------------------------------------------------------------------------
 
 class Routing : public testing::Test {
   protected:
@@ -149,8 +146,7 @@ TEST_F(Routing, AnythingElseIsSkippedWithItsPause) {
     EXPECT_EQ(apply(R"({"serial":{"ip_address":"10.0.0.3"},"ir":{"ip_address":"10.0.0.3"}})"), "");
 }
 
-// --- "stream"."preview"
-// ----------------------------------------------------------------------------
+// --- "stream"."preview" --------------------------------------------------------------------------
 
 class Preview : public testing::Test {
   protected:
@@ -297,8 +293,7 @@ TEST_F(Preview, WrongTypesChangeNothing) {
     EXPECT_EQ(apply(R"({"Enable":false})"), "");
 }
 
-// --- The tables
-// ------------------------------------------------------------------------------------
+// --- The tables ----------------------------------------------------------------------------------
 
 TEST(ImagesRoutingPreviewTables, NameTheirSectionsAndModels) {
     EXPECT_STREQ(no_stream_image_table.section, "no_stream_image");

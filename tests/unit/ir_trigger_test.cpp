@@ -18,8 +18,7 @@ std::string apply_trigger(const std::string& json) {
     return trace_of(apply_trigger_section, json);
 }
 
-// --- Infrared
-// -------------------------------------------------------------------------------------
+// --- Infrared ------------------------------------------------------------------------------------
 
 class IrSection : public testing::Test {
   protected:
@@ -165,8 +164,7 @@ TEST_F(IrSection, ThePartnerIsATextThatIsNotEmpty) {
     }
 }
 
-// --- Triggers
-// -------------------------------------------------------------------------------------
+// --- Triggers ------------------------------------------------------------------------------------
 
 class TriggerSection : public testing::Test {
   protected:
@@ -415,8 +413,7 @@ TEST_F(TriggerSection, ALongCustomListIsWrittenByOneWholeLine) {
                   "TAG}\" > /user_data2/trigger_custom_event_e.json\n");
 }
 
-// --- A whole document
-// -----------------------------------------------------------------------------
+// --- A whole document ----------------------------------------------------------------------------
 
 TEST_F(TriggerSection, TheExampleOfAnEncoderIsAppliedWhole) {
     std::ifstream file(EXAMPLES_DIR "/unit-configuration.ZAVO-ENC-U300-DA.json");

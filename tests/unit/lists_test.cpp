@@ -57,8 +57,7 @@ std::string stored_form(const std::string& json) {
 const char* const no_objects[] = {"[]", "[1,2]", "true", "null", "3", "\"data\""};
 const char* const no_json[] = {"", " ", "x", "{", "{\"data\":", "{\"data\":{\"setting\":}}"};
 
-// --- RS-232
-// ---------------------------------------------------------------------------------------
+// --- RS-232 --------------------------------------------------------------------------------------
 
 std::string rs232_trace(const std::string& stored) {
     return "replace /user_data2/rs232_list.json " + stored +
@@ -144,8 +143,7 @@ TEST(Rs232List, TheExampleIsStored) {
     EXPECT_EQ(store(store_rs232_list, text), (Outcome{1, rs232_trace(stored_form(text))}));
 }
 
-// --- IR
-// -------------------------------------------------------------------------------------------
+// --- IR ------------------------------------------------------------------------------------------
 
 std::string ir_trace(const std::string& stored, const std::string& delay,
                      const std::string& repeats, const std::string& repeat_delay) {
@@ -223,8 +221,7 @@ TEST(IrList, TheExampleIsStored) {
               (Outcome{1, ir_trace(stored_form(text), "100", "1", "110")}));
 }
 
-// --- Triggers
-// -------------------------------------------------------------------------------------
+// --- Triggers ------------------------------------------------------------------------------------
 
 const std::string disconnect_copy =
     "shell cp /user_data2/trigger_video_disconnect_event_list.json "

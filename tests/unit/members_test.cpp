@@ -11,8 +11,7 @@
 
 namespace {
 
-// --- Every kind of row with every JSON type
-// --------------------------------------------------------
+// --- Every kind of row with every JSON type ------------------------------------------------------
 
 constexpr Word speeds[] = {{"", 0}, {"low", 1}, {"high", 2}};
 constexpr Word algorithms[] = {{"md5", "MD5"}, {"none", "0"}};
@@ -369,8 +368,7 @@ TEST(MemberRows, PresentValuesAreTakenBeforeTheFirstRow) {
               snapshot_trace + "pause 1\nshell a of hall\n");
 }
 
-// --- What stops the build
-// --------------------------------------------------------------------------
+// --- What stops the build ------------------------------------------------------------------------
 
 constexpr Word repeated_words[] = {{"a", 0}, {"b", 1}, {"a", 2}};
 constexpr Word textless_words[] = {{"a", 0}};

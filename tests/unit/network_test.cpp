@@ -72,8 +72,7 @@ std::string sends_and_merges(const std::string& lines) {
     return snapshot_trace + lines + empty_merge;
 }
 
-// --- The section as a whole
-// ----------------------------------------------------------------------------
+// --- The section as a whole ----------------------------------------------------------------------
 
 TEST(NetworkSection, TakesASnapshotWhateverItHolds) {
     for (const std::string section : {"{}", "[]", "true", "false", "null", "3", "\"x\"", "[{}]"}) {
@@ -246,8 +245,7 @@ TEST(NetworkSection, IsServedOnEveryModel) {
     EXPECT_EQ(network_table.models, static_cast<unsigned>(every_model));
 }
 
-// --- Every member with every type
-// ----------------------------------------------------------------------
+// --- Every member with every type ----------------------------------------------------------------
 
 struct MemberCase {
     const char* key;
@@ -459,8 +457,7 @@ TEST(NetworkMembers, EmptyTextsOfAddressingSendNothing) {
     }
 }
 
-// --- The first port
-// -------------------------------------------------------------------------------
+// --- The first port ------------------------------------------------------------------------------
 
 TEST(FirstPort, IsOnDhcpWhenTheModeBeginsSo) {
     const std::string dhcp =
@@ -593,8 +590,7 @@ TEST(IpAddress, IsCheckedInItsFirst63BytesOnly) {
                     "10.0.0.1;\npause 1\n"));
 }
 
-// --- The host name and the device name
-// -----------------------------------------------------------------
+// --- The host name and the device name -----------------------------------------------------------
 
 // What the first port sends on a unit of that device name and those name flags.
 std::string host_name(const std::string& members, const std::string& device_name,
@@ -716,8 +712,7 @@ TEST(NameFlags, HaveTheirThirdCharacterReplacedWhereItStands) {
                     "shell astparam s device_name_sync_enable 1101;\n"));
 }
 
-// --- The second port
-// ------------------------------------------------------------------------------
+// --- The second port -----------------------------------------------------------------------------
 
 TEST(SecondPort, SwitchesOffWithoutPauses) {
     EXPECT_EQ(lan2(R"("poe_passthrough":false,"multicast_traffic":false,"enable":false)"),
@@ -735,8 +730,7 @@ TEST(SecondPort, ClearsItsMemberListsWithEmptyArrays) {
                     "shell astparam s vlan2Tag 7, > /dev/null 2>&1\n"));
 }
 
-// --- The service networks
-// -------------------------------------------------------------------------
+// --- The service networks ------------------------------------------------------------------------
 
 struct Service {
     const char* name;

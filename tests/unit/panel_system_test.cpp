@@ -22,8 +22,7 @@ class PanelSystem : public testing::Test {
     }
 };
 
-// --- oled_display
-// ---------------------------------------------------------------------------------
+// --- oled_display --------------------------------------------------------------------------------
 
 using OledDisplay = PanelSystem;
 
@@ -81,8 +80,7 @@ TEST_F(OledDisplay, AnEmptySectionStillPausesAndRefreshesTheDisplay) {
               "pause 1\npause 1\npause 1\nshell init_send_oled > /dev/null 2>&1\npause 1\n");
 }
 
-// --- auto_status
-// ----------------------------------------------------------------------------------
+// --- auto_status ---------------------------------------------------------------------------------
 
 using AutoStatus = PanelSystem;
 
@@ -111,8 +109,7 @@ TEST_F(AutoStatus, AnEmptySectionStillTellsTheServiceAndPauses) {
     EXPECT_EQ(trace_of(apply_auto_status_section, "{}"), "shell e e_chg_auto_sta\npause 1\n");
 }
 
-// --- fan_control
-// ----------------------------------------------------------------------------------
+// --- fan_control ---------------------------------------------------------------------------------
 
 using FanControl = PanelSystem;
 
@@ -209,8 +206,7 @@ TEST_F(FanControl, ASwitchThatIsNoBooleanOnlyPauses) {
     EXPECT_EQ(trace_of(apply_fan_control_section, "{}"), "pause 1\npause 1\n");
 }
 
-// --- front_panel_lock
-// -----------------------------------------------------------------------------
+// --- front_panel_lock ----------------------------------------------------------------------------
 
 using FrontPanelLock = PanelSystem;
 
@@ -228,8 +224,7 @@ TEST_F(FrontPanelLock, AnotherTypeOnlyPauses) {
     }
 }
 
-// --- aes67
-// ----------------------------------------------------------------------------------------
+// --- aes67 ---------------------------------------------------------------------------------------
 
 using Aes67 = PanelSystem;
 
@@ -239,8 +234,7 @@ TEST_F(Aes67, NothingIsDoneWhateverItHolds) {
     }
 }
 
-// --- date_and_time
-// --------------------------------------------------------------------------------
+// --- date_and_time -------------------------------------------------------------------------------
 
 using DateAndTime = PanelSystem;
 
@@ -264,8 +258,7 @@ shell astparam s ntp_clock_format 24 > /dev/null 2>&1
     EXPECT_EQ(trace_of(apply_date_and_time_section, "{}"), "");
 }
 
-// --- debug
-// ----------------------------------------------------------------------------------------
+// --- debug ---------------------------------------------------------------------------------------
 
 using Debug = PanelSystem;
 
@@ -279,8 +272,7 @@ TEST_F(Debug, TheLogsAreSwitchedInOrderBehindASnapshot) {
     EXPECT_EQ(trace_of(apply_debug_section, "{}"), snapshot_trace);
 }
 
-// --- ssh
-// ------------------------------------------------------------------------------------------
+// --- ssh -----------------------------------------------------------------------------------------
 
 using Ssh = PanelSystem;
 
@@ -298,8 +290,7 @@ shell astparam s ssh_port 22;
     EXPECT_EQ(trace_of(apply_ssh_section, "{}"), "");
 }
 
-// --- power
-// ----------------------------------------------------------------------------------------
+// --- power ---------------------------------------------------------------------------------------
 
 using Power = PanelSystem;
 
@@ -321,8 +312,7 @@ TEST_F(Power, AnotherStateOnlyPauses) {
     EXPECT_EQ(trace_of(apply_power_section, "\"poweron\""), "pause 1\npause 1\n");
 }
 
-// --- All of them
-// ----------------------------------------------------------------------------------
+// --- All of them ---------------------------------------------------------------------------------
 
 struct SectionUnderTest {
     Applier apply;

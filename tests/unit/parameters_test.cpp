@@ -35,8 +35,7 @@ std::string rw_value(const std::string& dump, const char* key) {
     return value_after(rw_get_value, key);
 }
 
-// --- find_after
-// -----------------------------------------------------------------------------------
+// --- find_after ----------------------------------------------------------------------------------
 
 TEST_F(Parameters, TheTextBehindTheFirstOccurrenceIsFound) {
     EXPECT_STREQ(find_after("abc=1", "="), "1");
@@ -50,8 +49,7 @@ TEST_F(Parameters, TheTextBehindTheFirstOccurrenceIsFound) {
     EXPECT_EQ(find_after("", "="), nullptr);
 }
 
-// --- read_file_text
-// -------------------------------------------------------------------------------
+// --- read_file_text ------------------------------------------------------------------------------
 
 TEST_F(Parameters, AWholeFileIsRead) {
     provide_file("/a/list", std::string("line 1\r\nli\0ne 2", 15));
@@ -78,8 +76,7 @@ TEST_F(Parameters, AMissingFileLeavesTheCallersText) {
     EXPECT_EQ(text, before);
 }
 
-// --- lm_get_value
-// ---------------------------------------------------------------------------------
+// --- lm_get_value --------------------------------------------------------------------------------
 
 TEST_F(Parameters, TheValueOfTheFirstLineThatBeginsWithTheKeyIsTaken) {
     EXPECT_EQ(lm_value("MY_IP=10.0.0.2\r\nMY_NETMASK=255.0.0.0\r\n", "MY_IP="), "10.0.0.2");
@@ -126,8 +123,7 @@ TEST_F(Parameters, WhatIsNotThereLeavesTheCallersValue) {
     EXPECT_EQ(rw_value("A=1\n", nullptr), "before");
 }
 
-// --- rw_get_value
-// ---------------------------------------------------------------------------------
+// --- rw_get_value --------------------------------------------------------------------------------
 
 TEST_F(Parameters, EntriesOfTheRunTimeStoreEndInNulCrOrLf) {
     const std::string dump("\1\0\0\0a=1\0b=2\nc=3\r\nd=4\0\0e=5\0\0", 27);

@@ -68,8 +68,7 @@ class SerialSection : public testing::Test {
     }
 };
 
-// --- The port's line
-// ------------------------------------------------------------------------------
+// --- The port's line -----------------------------------------------------------------------------
 
 TEST_F(SerialSection, WithNothingInItOnlyReadsThePresentValues) {
     for (const char* section : {"{}", "[]", "[{\"setting\":{}}]", "true", "null", "3", "\"x\"",
@@ -204,8 +203,7 @@ TEST_F(SerialSection, ParityIsAWordOrThePresentLetter) {
     }
 }
 
-// --- The list
-// -------------------------------------------------------------------------------------
+// --- The list ------------------------------------------------------------------------------------
 
 TEST_F(SerialSection, UserDefinedAloneSetsThePresentLineAndReplacesTheSlots) {
     set_lm_value("S0_BAUDRATE", "115200-7e2");
@@ -602,8 +600,7 @@ TEST_F(SerialSection, LongSlotsAreStoredWhole) {
                   merged("{\"data\":{\"userdefined\":[\"" + value + "\"]}}"));
 }
 
-// --- Tunnelling and pass-through
-// -------------------------------------------------------------------
+// --- Tunnelling and pass-through -----------------------------------------------------------------
 
 TEST_F(SerialSection, TunnellingFollowsTheLineInItsOrder) {
     EXPECT_EQ(apply(R"({"setting":{"ip_ssh_tunnel":true,"ip_tunnel":true}})"),
@@ -664,8 +661,7 @@ TEST_F(SerialSection, PassThroughPassesOverWhatItCannotUse) {
     }
 }
 
-// --- A whole document
-// -----------------------------------------------------------------------------
+// --- A whole document ----------------------------------------------------------------------------
 
 TEST_F(SerialSection, TheExampleOfADecoderIsAppliedWhole) {
     std::ifstream file(EXAMPLES_DIR "/unit-configuration.ZAVO-DEC-D200-DA.json");

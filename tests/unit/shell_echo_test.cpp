@@ -38,8 +38,7 @@ void expect_all(const std::vector<Case>& cases) {
     }
 }
 
-// --- What the bytes become
-// ------------------------------------------------------------------------
+// --- What the bytes become -----------------------------------------------------------------------
 
 TEST(ShellEcho, TextWithoutBackslashesStaysAsItIs) {
     std::string all;
@@ -169,8 +168,7 @@ TEST(ShellEcho, TheLetterCEndsTheOutput) {
     });
 }
 
-// --- What only the shell can tell
-// -----------------------------------------------------------------
+// --- What only the shell can tell ----------------------------------------------------------------
 
 TEST(ShellEcho, UnescapedExpansionsAreKnownOnlyToTheShell) {
     for (const char* text : {"$", "a$b", "`", "a`id`", "\"", R"(\\$x)", R"(\\\\$x)", R"(\a$x)",
@@ -191,8 +189,7 @@ TEST(ShellEcho, ABackslashAtTheEndTakesTheClosingQuoteAway) {
     EXPECT_FALSE(only_the_shell_knows("a\\\\"));
 }
 
-// --- Into a file
-// ----------------------------------------------------------------------------------
+// --- Into a file ---------------------------------------------------------------------------------
 
 std::string trace_of_echo(std::string text, const std::string& path) {
     reset_recorder();
@@ -268,8 +265,7 @@ TEST(ShellEcho, EveryEscapeAtTheEndOfATextIsReadWithinIt) {
     }
 }
 
-// --- The stored form that is echoed
-// ---------------------------------------------------------------
+// --- The stored form that is echoed --------------------------------------------------------------
 
 TEST(ShellEcho, AnUploadOfQuotesAloneIsStoredWhole) {
     for (const size_t count : {1U, 2U, 1023U, 1024U, 1025U, 2047U, 2048U, 2049U, 512000U}) {

@@ -125,8 +125,7 @@ std::string rw_dump_of(const std::vector<std::string>& entries) {
     return dump + '\0';
 }
 
-// --- The slots
-// ------------------------------------------------------------------------------------
+// --- The slots -----------------------------------------------------------------------------------
 
 TEST_F(Snapshot, EveryRunTimeKeyHasItsSlot) {
     const Slots names = slots_of(rw_slot_names);
@@ -178,8 +177,7 @@ TEST_F(Snapshot, TakingOneForgetsWhatTheSlotsHeld) {
     EXPECT_EQ(taken(), Slots());
 }
 
-// --- Missing files and keys
-// -----------------------------------------------------------------------
+// --- Missing files and keys ----------------------------------------------------------------------
 
 TEST_F(Snapshot, AMissingDumpLeavesTheSlots) {
     fill_with_old_texts();
@@ -232,8 +230,7 @@ TEST_F(Snapshot, ADumpShorterThanItsHeaderOrWithoutEntriesEmptiesTheSlots) {
     EXPECT_EQ(filled().size(), 200U - 17U);
 }
 
-// --- Entries
-// --------------------------------------------------------------------------------------
+// --- Entries -------------------------------------------------------------------------------------
 
 TEST_F(Snapshot, TheHeaderIsNeverLookedAt) {
     provide_file("/dev/shm/rwparam_temp", std::string("\0\0\0\0deviceName=a\0", 17));
@@ -297,8 +294,7 @@ TEST_F(Snapshot, ValuesAreBoundAtTheSizeOfASlot) {
     }
 }
 
-// --- What matches
-// ---------------------------------------------------------------------------------
+// --- What matches --------------------------------------------------------------------------------
 
 TEST_F(Snapshot, ARunTimeKeyMatchesAnywhereInAnEntry) {
     // The custom text comes first and holds another key; the value is then all of the text.

@@ -12,8 +12,7 @@
 
 namespace {
 
-// --- "usb_devices"
-// --------------------------------------------------------------------------------
+// --- "usb_devices" -------------------------------------------------------------------------------
 
 // Every section begins with a pause and has another behind the place of "enable".
 const std::string two_pauses = "pause 1\npause 1\n";
@@ -164,8 +163,7 @@ TEST_F(UsbDevices, RoamingTextsAreTakenAsTheyStand) {
                   "cp /var/tmp/roaming_file /user_data2/roaming_file\n");
 }
 
-// --- The green list
-// -------------------------------------------------------------------------------
+// --- The green list ------------------------------------------------------------------------------
 
 std::string green_list_trace(const std::string& list, const std::string& end = "") {
     return two_pauses + "shell echo -ne \"" + list + "\" > /user_data2/usb_greenlist.txt;" +
@@ -251,8 +249,7 @@ TEST_F(UsbDevices, ALongGreenListIsRunWhole) {
               green_list_trace(list));
 }
 
-// --- "usb_host"
-// -----------------------------------------------------------------------------------
+// --- "usb_host" ----------------------------------------------------------------------------------
 
 class UsbHost : public testing::Test {
   protected:
@@ -304,8 +301,7 @@ TEST_F(UsbHost, WithoutAUsableMemberTwoPausesAreTaken) {
     EXPECT_EQ(apply(R"({"Enable":true})"), two_pauses);
 }
 
-// --- The roaming map
-// ------------------------------------------------------------------------------
+// --- The roaming map -----------------------------------------------------------------------------
 
 std::string query(const std::string& address) {
     return "nice -n 19 ionice -c 3 node_query --match_key MY_IP=" + address +
@@ -539,8 +535,7 @@ TEST_F(RoamingLayout, ALongMapIsRewrittenWhole) {
     EXPECT_EQ(rewritten(map), expected);
 }
 
-// --- The tables
-// ------------------------------------------------------------------------------------
+// --- The tables ----------------------------------------------------------------------------------
 
 TEST(UsbTables, NameTheirSectionsAndModels) {
     EXPECT_STREQ(usb_devices_table.section, "usb_devices");

@@ -89,8 +89,7 @@ void expect_nothing_sent(const Model& model, const std::string& key,
     }
 }
 
-// --- Whole sections
-// -------------------------------------------------------------------------------
+// --- Whole sections ------------------------------------------------------------------------------
 
 TEST_F(VideoSection, FullDecoderDocumentIsAppliedInOrderAndCosts15Seconds) {
     set_rw_value("v_eng_drv_option", "0x80000000");
@@ -236,8 +235,7 @@ TEST_F(VideoSection, TablesNameEveryMemberInOrder) {
     EXPECT_EQ(keys_of(usbc_encoder_video_table), keys_of(usbc_encoder_model.rows));
 }
 
-// --- Booleans
-// -------------------------------------------------------------------------------------
+// --- Booleans ------------------------------------------------------------------------------------
 
 TEST_F(VideoSection, BooleansSendOneOfTwoCommands) {
     expect_cases(decoder_model,
@@ -296,8 +294,7 @@ TEST_F(VideoSection, BooleansOfAnotherTypeOrInAnotherCaseSendNothing) {
     }
 }
 
-// --- Choices
-// --------------------------------------------------------------------------------------
+// --- Choices -------------------------------------------------------------------------------------
 
 struct ChoiceRow {
     const Model* model;
@@ -360,8 +357,7 @@ TEST_F(VideoSection, WordsOfAnotherModelAreUnknown) {
     expect_nothing_sent(usbc_encoder_model, "source_selection", {"\"enc stream\"", "\"USB-C\""});
 }
 
-// --- The stream
-// -----------------------------------------------------------------------------------
+// --- The stream ----------------------------------------------------------------------------------
 
 TEST_F(VideoSection, StreamNumberPausesThreeSecondsThenOneWhenSent) {
     expect_cases(decoder_model,
@@ -422,8 +418,7 @@ TEST_F(VideoSection, KeysOfTextsAndNumbersIgnoreCase) {
               snapshot_trace + trace_with(decoder_model.rows, "latency_mode", "shell \npause 1\n"));
 }
 
-// --- Latency
-// --------------------------------------------------------------------------------------
+// --- Latency -------------------------------------------------------------------------------------
 
 std::string ultra_low(const std::string& option) {
     return "shell astparam s v_eng_drv_option " + option +
@@ -510,8 +505,7 @@ TEST_F(VideoSection, LatencyOfNoUseSendsNothingAndCostsTheDecoderNoPause) {
     EXPECT_EQ(idle_trace_of(decoder_model.rows, "latency_mode"), "");
 }
 
-// --- Output scaling
-// -------------------------------------------------------------------------------
+// --- Output scaling ------------------------------------------------------------------------------
 
 TEST_F(VideoSection, OutputScalingSetsTheTimingCodeOfItsWordOrNumber) {
     struct Scaling {
@@ -571,8 +565,7 @@ TEST_F(VideoSection, PassThroughIsAWordOfTheTableAlthoughItSetsNothing) {
     EXPECT_EQ(word->text, nullptr);
 }
 
-// --- Multicast
-// ------------------------------------------------------------------------------------
+// --- Multicast -----------------------------------------------------------------------------------
 
 TEST_F(VideoSection, CastModeTakesTheFirstModeNamedAnywhereInTheText) {
     const std::string decoder_unicast =

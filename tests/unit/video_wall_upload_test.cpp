@@ -89,8 +89,7 @@ Outcome done(const std::string& placing, const std::string& rest = screen_events
     return {1, "shell " + placing + rest};
 }
 
-// --- The two ways of placing a screen
-// -------------------------------------------------------------
+// --- The two ways of placing a screen ------------------------------------------------------------
 
 TEST(VideoWallUpload, AGridCellCountsFromZeroOnTheFirstKindOfWall) {
     EXPECT_EQ(applied_to("1", grid()), done("e e_vw_enable_1_2_0_1;"));
@@ -142,8 +141,7 @@ TEST(VideoWallUpload, KeysAreFoundIgnoringCase) {
     EXPECT_EQ(applied_to("1", document), done("e e_vw_enable_1_2_0_1;"));
 }
 
-// --- The grid's size
-// ------------------------------------------------------------------------------
+// --- The grid's size -----------------------------------------------------------------------------
 
 Document grid_of(const std::string& rows, const std::string& columns) {
     Document document = grid();
@@ -181,8 +179,7 @@ TEST(VideoWallUpload, OtherKindsOfWallTakeAnyNumberHeldAtTheLimits) {
               done("e e_vw_enable_2147483646_-2147483648_0_1;"));
 }
 
-// --- Rotation and stretch
-// -------------------------------------------------------------------------
+// --- Rotation and stretch ------------------------------------------------------------------------
 
 TEST(VideoWallUpload, RotationsAndStretchesAreTranslated) {
     const char* const rotations[] = {"0", "5", "3", "6", "", "", "", "", "", ""};
@@ -221,8 +218,7 @@ TEST(VideoWallUpload, RotationsAndStretchesOutsideZeroToNineAreRefusedInBothMode
     }
 }
 
-// --- Members that are missing
-// ---------------------------------------------------------------------
+// --- Members that are missing --------------------------------------------------------------------
 
 const char* const no_texts[] = {"1", "null", "true", "[]", "{}", "[\"1\"]"};
 
@@ -318,8 +314,7 @@ TEST(VideoWallUpload, WhatIsNotJsonIsRefused) {
     }
 }
 
-// --- Reconnecting
-// ---------------------------------------------------------------------------------
+// --- Reconnecting --------------------------------------------------------------------------------
 
 std::string trace_with_audio(const std::string& addon, const std::string& mode) {
     reset_recorder();

@@ -70,8 +70,7 @@ Store together(std::initializer_list<Store> stores) {
     return all;
 }
 
-// --- Single rules
-// ---------------------------------------------------------------------------------
+// --- Single rules --------------------------------------------------------------------------------
 
 TEST(VlanMembership, ReadsAllValuesInTheirOrderAndWritesVlan1OnAnEmptyUnit) {
     EXPECT_EQ(merged({}),
@@ -260,8 +259,7 @@ TEST(VlanMembership, OfAPortWithoutUntaggedVlansIsVlan1) {
               "shell astparam s vlan2Untag 1\n");
 }
 
-// --- The port VLAN IDs
-// ----------------------------------------------------------------------------
+// --- The port VLAN IDs ---------------------------------------------------------------------------
 
 const Store two_untagged_lists = {{"vlan1Untag", "5"}, {"vlan2Untag", "6"}};
 const std::string two_untagged_lines =
@@ -330,8 +328,7 @@ TEST(PortVlanId, TakesAnyNumberAndKeysOfAnyCaseButEnable) {
                   two_untagged_lines);
 }
 
-// --- Long lists
-// -----------------------------------------------------------------------------------
+// --- Long lists ----------------------------------------------------------------------------------
 
 TEST(LongMemberLists, AreReadAndWrittenWholeUpToAValuesLength) {
     // 1023 bytes: one hundred entries are not the limit, and what the services add comes on top.
@@ -404,8 +401,7 @@ TEST(LongMemberLists, OfMillionsOfEntriesArePrunedInOnePass) {
     EXPECT_TRUE(merged_list(services, 0, Membership::tagged, present) == expected);
 }
 
-// --- The rules once more, plainly
-// -----------------------------------------------------------------
+// --- The rules once more, plainly ----------------------------------------------------------------
 //
 // For each port and kind there is the set of the services that want it and the set of the numbers
 // that the others take out of its list.

@@ -12,8 +12,7 @@
 #include "unitconf/services/stored_list.h"
 #include "unitconf/tables.h"
 
-// --- Infrared
-// -------------------------------------------------------------------------------------
+// --- Infrared ------------------------------------------------------------------------------------
 
 static constexpr ListFiles ir_list = {"/var/tmp/ir_list.json",
                                       "cp /var/tmp/ir_list.json /user_data2/ir_list.json",
@@ -43,8 +42,7 @@ void apply_ir_section(const cJSON* section) {
 
 const SectionTable ir_table = {"ir", every_model, ir_members};
 
-// --- Triggers
-// -------------------------------------------------------------------------------------
+// --- Triggers ------------------------------------------------------------------------------------
 
 // The lists of the unit's own events, each at its position in the document. A list whose "type"
 // does not hold the word of its position is passed over.

@@ -37,8 +37,7 @@ static bool is_valid_ipv4_address(const char* text) {
     return true;
 }
 
-// --- The first port
-// -------------------------------------------------------------------------------
+// --- The first port ------------------------------------------------------------------------------
 
 static bool apply_use_device_name(const Section& /*section*/, const cJSON* item) {
     if (!cJSON_IsBool(item)) {
@@ -95,8 +94,7 @@ static constexpr Member lan1_members[] = {
 };
 static_assert(well_formed(lan1_members));
 
-// --- The second port
-// ------------------------------------------------------------------------------
+// --- The second port -----------------------------------------------------------------------------
 
 static constexpr Member lan2_members[] = {
     flag("enable", mcu("lan2port,on"), mcu("lan2port,off")),
@@ -108,8 +106,7 @@ static constexpr Member lan2_members[] = {
 };
 static_assert(well_formed(lan2_members));
 
-// --- The service networks
-// -------------------------------------------------------------------------
+// --- The service networks ------------------------------------------------------------------------
 
 // The lines of one service network.
 struct ServiceLines {
@@ -230,8 +227,7 @@ static constexpr Member service_network_members[] = {
 };
 static_assert(well_formed(service_network_members));
 
-// --- The section
-// ----------------------------------------------------------------------------------
+// --- The section ---------------------------------------------------------------------------------
 
 // The member lists are merged once all services are set, from what the store then holds.
 static constexpr Member network_members[] = {

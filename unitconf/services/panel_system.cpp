@@ -7,8 +7,7 @@
 #include "unitconf/sections.h"
 #include "unitconf/tables.h"
 
-// --- "oled_display"
-// -------------------------------------------------------------------------------
+// --- "oled_display" ------------------------------------------------------------------------------
 
 static constexpr Member oled_display_members[] = {
     pause(1),
@@ -33,8 +32,7 @@ void apply_oled_display_section(const cJSON* section) {
     apply_members(section, oled_display_members);
 }
 
-// --- "auto_status"
-// --------------------------------------------------------------------------------
+// --- "auto_status" -------------------------------------------------------------------------------
 
 static constexpr Member auto_status_members[] = {
     flag("enable", "astparam s auto_status_enable 1;", "astparam s auto_status_enable 0;"),
@@ -49,8 +47,7 @@ void apply_auto_status_section(const cJSON* section) {
     apply_members(section, auto_status_members);
 }
 
-// --- "fan_control"
-// --------------------------------------------------------------------------------
+// --- "fan_control" -------------------------------------------------------------------------------
 
 static constexpr int fastest_fan_level = 6;
 
@@ -98,8 +95,7 @@ void apply_fan_control_section(const cJSON* section) {
     apply_members(section, fan_control_members);
 }
 
-// --- "front_panel_lock": a boolean and no members
-// -------------------------------------------------
+// --- "front_panel_lock": a boolean and no members ------------------------------------------------
 
 void apply_front_panel_lock_section(const cJSON* section) {
     pause_seconds(1);
@@ -109,13 +105,11 @@ void apply_front_panel_lock_section(const cJSON* section) {
     pause_seconds(1);
 }
 
-// --- "aes67": reserved
-// ----------------------------------------------------------------------------
+// --- "aes67": reserved ---------------------------------------------------------------------------
 
 void apply_aes67_section(const cJSON* /*section*/) {}
 
-// --- "date_and_time"
-// ------------------------------------------------------------------------------
+// --- "date_and_time" -----------------------------------------------------------------------------
 
 static constexpr Member date_and_time_members[] = {
     flag("enable", "astparam s ntp_enable 1;", "astparam s ntp_enable 0;"),
@@ -132,8 +126,7 @@ void apply_date_and_time_section(const cJSON* section) {
     apply_members(section, date_and_time_members);
 }
 
-// --- "debug"
-// --------------------------------------------------------------------------------------
+// --- "debug" -------------------------------------------------------------------------------------
 
 static constexpr Member debug_members[] = {
     flag("command_log_enable", "astparam s dm_log 1;", "astparam s dm_log 0;"),
@@ -148,8 +141,7 @@ void apply_debug_section(const cJSON* section) {
     apply_members(section, debug_members, &present);
 }
 
-// --- "ssh"
-// ----------------------------------------------------------------------------------------
+// --- "ssh" ---------------------------------------------------------------------------------------
 
 static constexpr Member ssh_members[] = {
     flag("enable", "astparam s ssh_enable 1;", "astparam s ssh_enable 0;"),
@@ -163,8 +155,7 @@ void apply_ssh_section(const cJSON* section) {
     apply_members(section, ssh_members);
 }
 
-// --- "power"
-// --------------------------------------------------------------------------------------
+// --- "power" -------------------------------------------------------------------------------------
 
 // The microcontroller's commands are the document's words.
 static constexpr Word power_words[] = {
@@ -183,8 +174,7 @@ void apply_power_section(const cJSON* section) {
     apply_members(section, power_members);
 }
 
-// --- The tables as others see them
-// ----------------------------------------------------------------
+// --- The tables as others see them ---------------------------------------------------------------
 
 const SectionTable oled_display_table = {"oled_display", every_model, oled_display_members};
 const SectionTable auto_status_table = {"auto_status", every_model, auto_status_members};

@@ -13,8 +13,7 @@
 #include "unitconf/tables.h"
 #include "unitconf/video_engine.h"
 
-// --- "aes256": stream encryption
-// ------------------------------------------------------------------
+// --- "aes256": stream encryption -----------------------------------------------------------------
 
 // The most significant hexadecimal digit of the video engine option holds the encryption strength.
 static constexpr size_t strength_digit = 2;
@@ -59,8 +58,7 @@ void apply_aes256_section(const cJSON* section) {
     apply_members(section, aes256_members, &present);
 }
 
-// --- "snmp"
-// ---------------------------------------------------------------------------------------
+// --- "snmp" --------------------------------------------------------------------------------------
 
 static constexpr Word authentication_words[] = {
     {"none", "0"},          {"md5", "MD5"},         {"sha", "SHA"},
@@ -127,8 +125,7 @@ void apply_snmp_section(const cJSON* section) {
     apply_members(section, snmp_members);
 }
 
-// --- "mqtt"
-// ---------------------------------------------------------------------------------------
+// --- "mqtt" --------------------------------------------------------------------------------------
 
 static constexpr Member mqtt_members[] = {
     flag("enable", "astparam s mqttStatu 1;", "astparam s mqttStatu 0;"),
@@ -155,8 +152,7 @@ void apply_mqtt_section(const cJSON* section) {
     apply_members(section, mqtt_members);
 }
 
-// --- "https"
-// --------------------------------------------------------------------------------------
+// --- "https" -------------------------------------------------------------------------------------
 
 // Unlike its sisters, this service installs only when a certificate has come.
 static constexpr Member https_members[] = {
@@ -173,8 +169,7 @@ void apply_https_section(const cJSON* section) {
     apply_members(section, https_members);
 }
 
-// --- "ldap"
-// ---------------------------------------------------------------------------------------
+// --- "ldap" --------------------------------------------------------------------------------------
 
 static constexpr Member ldap_members[] = {
     flag("enable", "astparam s ldapStatu 1;", "astparam s ldapStatu 0;"),
@@ -195,8 +190,7 @@ void apply_ldap_section(const cJSON* section) {
     apply_members(section, ldap_members);
 }
 
-// --- "auth_8021x"
-// ---------------------------------------------------------------------------------
+// --- "auth_8021x" --------------------------------------------------------------------------------
 
 // The lines of one network port.
 struct PortLines {
@@ -282,8 +276,7 @@ void apply_8021x_section(const cJSON* section) {
     apply_members(section, auth_8021x_members);
 }
 
-// --- The tables as others see them
-// ----------------------------------------------------------------
+// --- The tables as others see them ---------------------------------------------------------------
 
 const SectionTable aes256_table = {"aes256", every_model, aes256_members};
 const SectionTable snmp_table = {"snmp", every_model, snmp_members};

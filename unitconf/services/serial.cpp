@@ -34,8 +34,7 @@ static const char* word_text(const char* given, Vocabulary words) {
     return found == nullptr ? "" : found->text;
 }
 
-// --- What the port is set to
-// -----------------------------------------------------------------------
+// --- What the port is set to ---------------------------------------------------------------------
 
 // The values of the port's line and, as the list of codes writes them, of its display.
 struct PortSettings {
@@ -106,8 +105,7 @@ static void set_line(const PortSettings& port) {
     pause_seconds(1);
 }
 
-// --- The list of command codes
-// ---------------------------------------------------------------------
+// --- The list of command codes -------------------------------------------------------------------
 
 static constexpr char kept_list[] = "/user_data2/rs232_list.json";
 static constexpr ListFiles list_files = {"/var/tmp/rs232_list.json",
@@ -223,8 +221,7 @@ static void merge_into_list(const cJSON* section, const PortSettings& port, Pass
     cJSON_Delete(list);
 }
 
-// --- The section
-// ----------------------------------------------------------------------------------
+// --- The section ---------------------------------------------------------------------------------
 
 static void apply_pass(const cJSON* section, const PortSettings& port, Pass pass) {
     set_line(port);

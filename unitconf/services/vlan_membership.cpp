@@ -23,8 +23,7 @@ static constexpr LanPort ports[lan_ports] = {
     {'2', "lan_2", "astparam s vlan2ID %d", "astparam s vlan2Untag %s", "astparam s vlan2Tag %s"},
 };
 
-// --- One list
-// -------------------------------------------------------------------------------------
+// --- One list ------------------------------------------------------------------------------------
 
 static bool wants(const ServiceVlan& service, size_t port, Membership kind) {
     const char choice = service.lan_port[0];
@@ -94,8 +93,7 @@ char* merged_member_list(const ServiceVlan (&services)[service_networks], size_t
     return list;
 }
 
-// --- Both ports
-// -----------------------------------------------------------------------------------
+// --- Both ports ----------------------------------------------------------------------------------
 
 // The services in the order in which their IDs enter a list.
 enum ServiceIndex : size_t { stream, dante, control };
