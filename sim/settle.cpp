@@ -20,7 +20,7 @@ namespace sim {
 
 // Above everything that a shell opens for itself.
 static constexpr int settle_descriptor = 199;
-static constexpr int longest_wait_ms = 300;
+static constexpr int longest_wait_ms = 1000;
 
 static constexpr char noted_path[] = "/run/sim/noted";
 

@@ -8,7 +8,7 @@ namespace sim {
 
 // Waits until the background work that earlier lines of the same gateway process left behind has
 // made its entries. Each line's shell and all its children hold one lock (see hold_settle_lock); a
-// program that keeps the lock is waited for only once, a third of a second. `gateway` is the
+// program that keeps the lock is waited for only once, a second. `gateway` is the
 // process that runs the lines.
 void wait_for_background_work(pid_t gateway);
 
