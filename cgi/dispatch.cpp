@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "cgi/body.h"
+#include "cgi/pattern.h"
 #include "cgi/streams.h"
 #include "device/unit.h"
 #include "unitconf/configuration.h"
@@ -68,7 +69,7 @@ static void print_reply(Reply reply, const char* mac) {
 static constexpr int handler_results = 6;
 
 struct UploadKind {
-    const char* pattern;  // the form field as a browser writes it
+    Pattern pattern;  // the form field as a browser writes it
     bool size_limited;
     int (*handle)(const char* content);  // applies the content
     Reply replies[handler_results];      // by the handler's result; any other result has no reply
@@ -96,13 +97,11 @@ static constexpr UploadKind upload_kinds[] = {
       Reply::invalid_edid}},
 };
 
-static const UploadKind* recognise_upload(const char* request, size_t length) {
-    for (const UploadKind& kind : upload_kinds) {
-        if (find_text(request, length, kind.pattern) != nullptr) {
-            return &kind;
-        }
-    }
-    return nullptr;
+static_assert(same_anchor(upload_kinds));
+
+const char* recognised_field(const char* request, size_t size) {
+    const UploadKind* kind = find_first_row(request, size, upload_kinds).row;
+    return kind == nullptr ? nullptr : kind->pattern.text;
 }
 
 // --- The dispatch
@@ -128,21 +127,20 @@ static Reply handle_content(const UploadKind& kind, Content content) {
     return result >= 0 && result < handler_results ? kind.replies[result] : Reply::none;
 }
 
-static Reply handle_upload(const char* request) {
-    const size_t length = strlen(request);
-    const UploadKind* kind = recognise_upload(request, length);
+static Reply handle_upload(const char* request, size_t size) {
+    const UploadKind* kind = find_first_row(request, size, upload_kinds).row;
     if (kind == nullptr) {
         return Reply::not_supported;
     }
-    const Content content = find_content(request, length, content_buffer_size - 1);
+    const Content content = find_content(request, size, content_buffer_size - 1);
     return content.begin == nullptr ? Reply::none : handle_content(*kind, content);
 }
 
-void dispatch_upload(const char* request) {
+void dispatch_upload(const char* request, size_t size) {
     const ReplyStream reply_stream = put_reply_aside();
     char mac[output_text_size] = {};
     read_command_output("astparam g ethaddr", mac);
-    const Reply reply = handle_upload(request);
+    const Reply reply = handle_upload(request, size);
     take_reply_up(reply_stream);
     print_reply(reply, mac);
 }

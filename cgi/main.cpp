@@ -9,12 +9,10 @@
 
 #include "cgi/dispatch.h"
 
-static constexpr size_t request_buffer_size = 0xA00000;
-// One less, so that the closing NUL always fits.
-static constexpr int32_t longest_request = request_buffer_size - 1;
+static constexpr int32_t longest_request = 0x9FFFFF;
 
-static char request_buffer[request_buffer_size];
-static int32_t request_length;
+// A request takes memory only as far as its bytes reach.
+static char request_buffer[longest_request];
 
 // The announced length of the body. More than the buffer holds, and less than nothing, mean as much
 // as it holds.
@@ -23,17 +21,13 @@ static int32_t announced_length(const char* text) {
     return length < 0 || length > longest_request ? longest_request : static_cast<int32_t>(length);
 }
 
-// Reads the body up to its announced length or its end. Standard input has no buffer, so that no
-// byte behind the announced length is taken from it, and fread then asks for all that is missing at
-// once.
-static void read_body() {
+// Reads the body up to its announced length or its end and returns its size. Standard input has no
+// buffer, so that no byte behind the announced length is taken from it, and fread then asks for all
+// that is missing at once.
+static size_t read_body() {
     const char* announced = getenv("CONTENT_LENGTH");
     const int32_t wanted = announced == nullptr ? 0 : announced_length(announced);
-    if (wanted > 0) {
-        request_length =
-            static_cast<int32_t>(fread(request_buffer, 1, static_cast<size_t>(wanted), stdin));
-    }
-    request_buffer[request_length] = '\0';
+    return wanted > 0 ? fread(request_buffer, 1, static_cast<size_t>(wanted), stdin) : 0;
 }
 
 int main() {
@@ -48,15 +42,12 @@ int main() {
         return 0;
     }
     if (strcasecmp(method, "POST") == 0) {
-        read_body();
-        dispatch_upload(request_buffer);
+        const size_t size = read_body();
+        dispatch_upload(request_buffer, size);
     } else if (strcasecmp(method, "GET") == 0) {
         const char* query = getenv("QUERY_STRING");
         if (query != nullptr) {
-            const size_t length = strnlen(query, longest_request);
-            memcpy(request_buffer, query, length);
-            request_buffer[length] = '\0';
-            dispatch_upload(request_buffer);
+            dispatch_upload(query, strnlen(query, longest_request));
         }
     }
     return 0;
