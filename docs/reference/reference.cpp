@@ -1,0 +1,205 @@
+// Writes the reference of the unit configuration document (docs/unit-configuration.md) from the tables
+// that the program itself walks, so that it cannot drift: a test compares the file with what this
+// prints. What a table cannot tell, because a function does it, stands in notes.h; a member that needs
+// a note and has none is an error.
+#include <cstdio>
+#include <cstring>
+#include <string>
+
+#include "docs/reference/notes.h"
+#include "unitconf/tables.h"
+
+namespace {
+
+bool note_missing = false;
+
+std::string code(const std::string& text) {
+    return "`" + text + "`";
+}
+
+std::string quoted(const std::string& text) {
+    return code("\"" + text + "\"");
+}
+
+std::string model_names(unsigned models) {
+    if (models == every_model) {
+        return "every model";
+    }
+    std::string names;
+    const struct {
+        unsigned model;
+        const char* name;
+    } all[] = {{usbc_encoder, "ZAVO-ENC-U300-DA"},
+               {hdmi_encoder, "ZAVO-ENC-E100-DA"},
+               {decoder, "ZAVO-DEC-D200-DA"}};
+    for (const auto& each : all) {
+        if ((models & each.model) != 0) {
+            names += (names.empty() ? "" : ", ") + std::string(each.name);
+        }
+    }
+    return names;
+}
+
+const char* note_of(const char* section, const std::string& path) {
+    for (const Note& note : notes) {
+        if (strcmp(note.section, section) == 0 && path == note.member) {
+            return note.text;
+        }
+    }
+    return nullptr;
+}
+
+const char* type_name(JsonType type) {
+    switch (type) {
+        case JsonType::none:
+            return "";
+        case JsonType::boolean:
+            return "boolean";
+        case JsonType::number:
+            return "number";
+        case JsonType::string:
+            return "string";
+        case JsonType::number_or_string:
+            return "number or string";
+        case JsonType::array:
+            return "array";
+        case JsonType::object:
+            return "object";
+        case JsonType::any:
+            return "any";
+    }
+    return "";
+}
+
+std::string words_and_limits(const Member& row) {
+    std::string text;
+    for (size_t i = 0; i < row.words.count; i++) {
+        const Word& word = row.words.words[i];
+        text += (i == 0 ? "" : ", ") + quoted(word.word);
+        if (word.text != nullptr) {
+            text += " = " + code(word.text);
+        } else if (row.kind != Kind::handled || word.code >= 0) {
+            text += " = " + std::to_string(word.code);
+        }
+    }
+    switch (row.kind) {
+        case Kind::choice:
+            return "a number of 0 or more, or " + text;
+        case Kind::word_or_minus_one:
+            return text + "; any other text = -1";
+        case Kind::number_in_range:
+            return std::to_string(row.lowest) + " to " + std::to_string(row.highest);
+        case Kind::begins_with:
+            return std::string(row.not_empty ? "not empty; " : "") + "begins with " +
+                   quoted(row.beginning) + ", or does not";
+        case Kind::text:
+            return row.test == nullptr ? "not empty" : "not empty, and valid";
+        case Kind::any_text:
+            return row.not_empty ? "not empty" : "";
+        default:
+            return text;
+    }
+}
+
+std::string line_of(const Line& line) {
+    if (line.text == nullptr) {
+        return "";
+    }
+    return line.channel == Channel::mcu ? "microcontroller " + code(line.text) : code(line.text);
+}
+
+std::string what_is_told(const Member& row) {
+    std::string text = line_of(row.line);
+    if (row.other.text != nullptr) {
+        text += " / " + line_of(row.other);
+    }
+    if (row.kind == Kind::flag_or_empty) {
+        text += "; not a boolean: an empty command";
+    }
+    if (row.kind == Kind::number_in_range && row.offset != 0) {
+        text += " with " + std::to_string(row.offset) + " added";
+    }
+    if (row.then.text != nullptr) {
+        text += ", then " + line_of(row.then);
+    }
+    if (row.kind == Kind::ignored) {
+        text = "nothing";
+    }
+    if (row.partner != nullptr) {
+        text += "; only together with " + code(row.partner);
+    }
+    return text;
+}
+
+std::string pauses_of(const Pauses& pauses) {
+    std::string text;
+    if (pauses.when_sent > 0) {
+        text = std::to_string(pauses.when_sent) + " when sent";
+    }
+    if (pauses.always > 0) {
+        text += (text.empty() ? "" : ", then ") + std::to_string(pauses.always);
+    }
+    return text;
+}
+
+void print_rows(const char* section, const std::string& path, const Member* rows, size_t count);
+
+void print_row(const char* section, const std::string& path, const Member& row) {
+    std::string name;
+    std::string told = what_is_told(row);
+    if (row.key != nullptr) {
+        name = path + (row.parent == nullptr ? "" : std::string(row.parent) + ".") + row.key;
+        const char* note = note_of(section, name);
+        if (note != nullptr) {
+            told += (told.empty() ? "" : "; ") + std::string(note);
+        } else if (row.kind == Kind::handled) {
+            fprintf(stderr, "no note for %s %s\n", section, name.c_str());
+            note_missing = true;
+        }
+    }
+    const std::string shown = row.key != nullptr ? code(name) : told.empty() ? "" : "(always)";
+    if (row.kind == Kind::object) {
+        told += told.empty() ? "its members, when it is there:" : "";
+    }
+    printf("| %s | %s%s | %s | %s | %s |\n", shown.c_str(), type_name(row.type),
+           row.key != nullptr && row.exact_case ? ", exact case" : "", words_and_limits(row).c_str(),
+           told.c_str(), pauses_of(row.pauses).c_str());
+    if (row.kind == Kind::object) {
+        print_rows(section, name + ".", row.members, row.member_count);
+    }
+}
+
+void print_rows(const char* section, const std::string& path, const Member* rows, size_t count) {
+    for (size_t i = 0; i < count; i++) {
+        print_row(section, path, rows[i]);
+    }
+}
+
+void print_table(const SectionTable& table) {
+    printf("\n### %s, %s\n\n", code(table.section).c_str(), model_names(table.models).c_str());
+    const char* about = note_of(table.section, "");
+    if (about != nullptr) {
+        printf("%s\n\n", about);
+    }
+    printf("| Member | Type | Words, limits | What the unit is told | Pause behind it (s) |\n");
+    printf("|---|---|---|---|---|\n");
+    print_rows(table.section, "", table.rows, table.count);
+}
+
+}  // namespace
+
+int main() {
+    fputs(introduction, stdout);
+    for (const Chapter& chapter : chapters) {
+        printf("\n## %s\n", chapter.title);
+        if (chapter.text != nullptr) {
+            printf("\n%s\n", chapter.text);
+        }
+        for (const SectionTable* table : chapter.tables) {
+            if (table != nullptr) {
+                print_table(*table);
+            }
+        }
+    }
+    return note_missing ? 1 : 0;
+}

@@ -1,0 +1,1 @@
+include $(sort $(wildcard $(BR2_EXTERNAL_UPLOAD_GATEWAY_PATH)/package/*/*.mk))

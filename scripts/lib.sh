@@ -1,0 +1,109 @@
+# What demo and test share: the packages they need and the build. Sourced by bash, with `set -eu` on.
+
+repository=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+build_dir=${BUILD_DIR:-$repository/build}
+models=(ZAVO-ENC-U300-DA ZAVO-ENC-E100-DA ZAVO-DEC-D200-DA)
+
+# What must be there, each as "command or file pattern : Debian package". Only what is missing is
+# installed: another package may have brought it.
+demo_needs=(
+    "g++:g++"
+    "cmake:cmake"
+    "ninja:ninja-build"
+    "pkg-config:pkg-config"
+    "/usr/include/cjson/cJSON.h:libcjson-dev"
+    "/usr/include/gtest/gtest.h:libgtest-dev"
+    "/usr/sbin/lighttpd:lighttpd"
+    "busybox:busybox-static"
+    "bwrap:bubblewrap"
+    "faketime:faketime"
+    "curl:curl"
+    "/usr/bin/python3:python3"
+)
+test_needs=(
+    "${demo_needs[@]}"
+    "/usr/lib/python3/dist-packages/pytest:python3-pytest"
+    "strace:strace"
+)
+
+say() {
+    printf '%s\n' "$*" >&2
+}
+
+die() {
+    say "$@"
+    exit 1
+}
+
+as_root() {
+    if [ "$(id -u)" = 0 ]; then
+        "$@"
+    elif command -v sudo >/dev/null; then
+        sudo "$@"
+    else
+        die "This needs root, and there is no sudo: $*"
+    fi
+}
+
+is_there() {
+    case $1 in
+        /*) compgen -G "$1" >/dev/null ;;
+        *) command -v "$1" >/dev/null ;;
+    esac
+}
+
+# Installs lighttpd without a running or enabled system-wide server: only the program is wanted. The
+# masked unit keeps systemd from starting it, run level 1 keeps the old start scripts from it.
+install_quietly() {
+    local mask=/etc/systemd/system/lighttpd.service masked=
+    if [[ " $* " == *" lighttpd "* ]]; then
+        if [ ! -e "$mask" ] && [ ! -L "$mask" ]; then
+            as_root mkdir -p "$(dirname "$mask")"
+            as_root ln -s /dev/null "$mask"
+            masked=yes
+        fi
+    fi
+    local status=0
+    as_root env DEBIAN_FRONTEND=noninteractive RUNLEVEL=1 \
+        apt-get install -y -q --no-install-recommends "$@" >&2 || status=$?
+    if [ -n "$masked" ]; then
+        as_root rm -f "$mask"
+        if [ -e /lib/systemd/system/lighttpd.service ] || [ -e /etc/init.d/lighttpd ]; then
+            as_root deb-systemd-helper disable lighttpd.service >/dev/null 2>&1 || true
+            as_root update-rc.d lighttpd disable >/dev/null 2>&1 || true
+        fi
+        if [ -d /run/systemd/system ]; then
+            as_root systemctl daemon-reload || true
+        fi
+    fi
+    return $status
+}
+
+# ensure_packages NEED...: installs what is missing of a list as above.
+ensure_packages() {
+    local need missing=()
+    for need in "$@"; do
+        is_there "${need%%:*}" || missing+=("${need##*:}")
+    done
+    [ ${#missing[@]} -gt 0 ] || return 0
+    command -v apt-get >/dev/null || die "Please install: ${missing[*]}"
+    say "Installing ${missing[*]}"
+    as_root apt-get update -q >&2 || die "apt-get update failed"
+    install_quietly "${missing[@]}" || die "Installing packages failed"
+}
+
+# build_gateways: the gateway of every model and the simulated unit, in $build_dir.
+build_gateways() {
+    local generator=() log
+    if [ ! -e "$build_dir/CMakeCache.txt" ]; then
+        generator=(-G Ninja)
+    fi
+    mkdir -p "$build_dir"
+    log=$build_dir/build.log
+    if ! { cmake -S "$repository" -B "$build_dir" "${generator[@]}" -DCMAKE_BUILD_TYPE=Release &&
+        cmake --build "$build_dir" -j "${JOBS:-2}" --target "${models[@]/#/gateway-}" unit_tool; } \
+        >"$log" 2>&1; then
+        tail -n 40 "$log" >&2
+        die "The build failed; all of it is in $log"
+    fi
+}

@@ -1,0 +1,397 @@
+"""A simulated unit: starts it, talks to it, takes it down without a trace.
+
+    from simulated_unit import start
+    with start("ZAVO-ENC-U300-DA", gateway="build/models/ZAVO-ENC-U300-DA/upload_gateway") as unit:
+        subprocess.run(["curl", "-F", "UnitConfUpload=@unit.json;type=application/json", unit.url])
+        unit.wait_for("rebooted")
+        print("\n".join(unit.journal()))
+
+The unit lives in mount, pid and network namespaces of its own and keeps nothing outside of them: its
+files are in memory and go with it, also when this process is killed. Its web server is reachable on
+a free port of this machine's loopback, because the listening socket is opened here and handed in.
+
+Start it from the main thread: the unit ends when the thread that started it does.
+"""
+
+import array
+import contextlib
+import glob
+import os
+import select
+import shutil
+import signal
+import socket
+import subprocess
+import time
+
+HERE = os.path.dirname(os.path.abspath(__file__))
+MODELS = ("ZAVO-ENC-U300-DA", "ZAVO-ENC-E100-DA", "ZAVO-DEC-D200-DA")
+CGI = "/www/cgi-bin/upload_gateway"
+TOOL_PATH = "/unit/extra:/unit/bin:/bin"
+
+# How much faster the gateway's clock runs. A pause of one second then takes a millisecond.
+FAST = 1000
+
+
+class UnitError(Exception):
+    """The unit could not be started, or did not do in time what was waited for."""
+
+
+def default_unit_tool():
+    return os.path.join(os.path.dirname(HERE), "build", "sim", "unit_tool")
+
+
+def _machine(path):
+    """Word size and processor of an ELF file; those of this Python for any other file."""
+    with open(path, "rb") as file:
+        head = file.read(20)
+    return (head[4:6], head[18:20]) if head[:4] == b"\x7fELF" else _machine("/proc/self/exe")
+
+
+def find_faketime(program):
+    """Path of the library that makes a program's clock run fast, built for the program's processor;
+    None when it is not installed."""
+    for path in sorted(glob.glob("/usr/lib/*/faketime/libfaketime.so.1")):
+        if _machine(path) == _machine(program):
+            return path
+    return None
+
+
+class UnitError(Exception):
+    """The unit could not be started, or did not do in time what was waited for."""
+
+
+def default_unit_tool():
+    return os.path.join(os.path.dirname(HERE), "build", "sim", "unit_tool")
+
+
+def find_faketime():
+    """Path of the library that makes a program's clock run fast; None when it is not installed."""
+    found = glob.glob("/usr/lib/*/faketime/libfaketime.so.1")
+    return found[0] if found else None
+
+
+class Unit:
+    """A running unit. Made by start(); ended by stop() or at the end of a with block."""
+
+    def __init__(self, process, control, root, listener, model, cgi_environment):
+        self.model = model
+        self.cgi_environment = cgi_environment
+        self.port = listener.getsockname()[1]
+        self.url = f"http://127.0.0.1:{self.port}/cgi-bin/upload_gateway"
+        self._process = process
+        self._control = control
+        self._root = root
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        self.stop()
+
+    def stop(self):
+        """Ends the unit with everything that runs in it. May be called twice."""
+        if self._process is None:
+            return
+        self._control.close()
+        try:
+            self._process.wait(5)
+        except subprocess.TimeoutExpired:
+            self._process.kill()
+            self._process.wait()
+        os.close(self._root)
+        self._process = None
+
+    def running(self):
+        return self._process is not None and self._process.poll() is None
+
+    # ---- programs ----
+
+    def spawn(self, arguments, stdin=None, stdout=None, stderr=None, environment=None):
+        """Starts a program in the unit (path inside the unit). Returns a descriptor that becomes
+        readable when the program has ended: hand it to exit_status()."""
+        environment = {"PATH": TOOL_PATH} if environment is None else environment
+        status_read, status_write = os.pipe()
+        text = "\0".join([str(len(arguments)), *arguments,
+                          *(f"{key}={value}" for key, value in environment.items())]) + "\0"
+        with open(os.devnull, "r+b", buffering=0) as null:
+            given = [null.fileno() if one is None else one for one in (stdin, stdout, stderr)]
+            rights = array.array("i", [*given, status_write])
+            self._control.sendmsg(
+                [os.fsencode(text)], [(socket.SOL_SOCKET, socket.SCM_RIGHTS, rights)])
+        os.close(status_write)
+        return status_read
+
+    @staticmethod
+    def exit_status(descriptor, timeout=30):
+        """Waits for a spawned program: its exit status, or minus the signal that ended it."""
+        readable, _, _ = select.select([descriptor], [], [], timeout)
+        text = os.read(descriptor, 32) if readable else b""
+        os.close(descriptor)
+        if not text:
+            raise UnitError("a program in the unit did not end in time")
+        return int(text)
+
+    def run(self, arguments, stdin=None, environment=None, timeout=30):
+        """Runs a program in the unit and returns (exit status, output bytes). `stdin` is bytes or a
+        descriptor. The output is what was written until the program itself ended: a child that it
+        left behind is not waited for."""
+        with open(os.memfd_create("output"), "w+b", buffering=0) as output, \
+                open(os.memfd_create("input"), "w+b", buffering=0) as given:
+            if isinstance(stdin, bytes):
+                given.write(stdin)
+                given.seek(0)
+                stdin = given.fileno()
+            ended = self.spawn(arguments, stdin=stdin, stdout=output.fileno(),
+                               environment=environment)
+            status = self.exit_status(ended, timeout)
+            output.seek(0)
+            return status, output.read()
+
+    def run_gateway(self, method="POST", body=b"", length=None, query=None, **options):
+        """Runs the gateway without a web server. `length` is the CONTENT_LENGTH text (default: the
+        body's; False: not set). `body` may be a descriptor. Returns (exit status, output bytes)."""
+        environment = dict(self.cgi_environment)
+        if method is not None:
+            environment["REQUEST_METHOD"] = method
+        if length is None and isinstance(body, bytes):
+            length = len(body)
+        if length is not None and length is not False:
+            environment["CONTENT_LENGTH"] = str(length)
+        if query is not None:
+            environment["QUERY_STRING"] = query
+        return self.run([CGI], stdin=body, environment=environment, **options)
+
+    def _own(self, *arguments, timeout=30):
+        status, output = self.run(["/sim/unit_tool", *arguments], timeout=timeout)
+        return status, output
+
+    def gateway_pids(self):
+        """The gateway processes that run now, as this machine numbers them."""
+        return self.pids("upload_gateway")
+
+    def pids(self, name):
+        """Processes in the unit with this command name, as this machine numbers them."""
+        parents, names = {}, {}
+        for entry in os.listdir("/proc"):
+            if entry.isdigit():
+                with contextlib.suppress(OSError):
+                    with open(f"/proc/{entry}/stat", encoding="utf-8", errors="replace") as stat:
+                        text = stat.read()
+                    pid = int(entry)
+                    names[pid] = text[text.index("(") + 1:text.rindex(")")]
+                    parents[pid] = int(text[text.rindex(")") + 1:].split()[1])
+
+        def in_unit(pid):
+            while pid in parents:
+                if pid == self._process.pid:
+                    return True
+                pid = parents[pid]
+            return False
+
+        return [pid for pid in names if names[pid] == name[:15] and in_unit(pid)]
+
+    # ---- journal ----
+
+    def journal(self, *kinds):
+        """The journal's entries so far, in order; with arguments only those of the given kinds. Waits
+        until everything that was written to the serial line has arrived."""
+        self._own("sim_settle")
+        return self.peek(*kinds)
+
+    def peek(self, *kinds):
+        """The journal as it stands, without waiting for anything."""
+        entries = self.read("/run/sim/journal").decode().split("\n")[:-1]
+        return [entry for entry in entries if not kinds or entry.split(" ")[0] in kinds]
+
+    def wait_for(self, entry, timeout=30):
+        """Waits until the journal holds this very entry."""
+        end = time.monotonic() + timeout
+        while entry not in self.peek():
+            if time.monotonic() > end:
+                raise UnitError(f"no entry {entry!r} within {timeout} s; the last ones are:\n"
+                                + "\n".join(self.peek()[-10:]))
+            time.sleep(0.005)
+
+    def rebooted(self):
+        return "rebooted" in self.peek()
+
+    def reset(self):
+        """A factory-fresh unit: initial parameters, no stored files, an empty journal."""
+        status, output = self._own("sim_reset", "/sim/params")
+        if status != 0:
+            raise UnitError(f"reset failed: {output!r}")
+
+    # ---- parameters ----
+
+    def parameter(self, key, store="rw"):
+        """A parameter's value, None when it is not defined. Stores: rw (astparam), live (lmparam)."""
+        status, output = self._own("sim_param", "get", store, key)
+        return output.decode() if status == 0 else None
+
+    def set_parameter(self, key, value, store="rw"):
+        """Sets a parameter; None takes it out of the store."""
+        if value is None:
+            self._own("sim_param", "unset", store, key)
+        else:
+            self._own("sim_param", "set", store, key, value)
+
+    # ---- files ----
+
+    def _open(self, path, flags, mode=0o666):
+        return os.open(path.lstrip("/"), flags, mode, dir_fd=self._root)
+
+    def read(self, path):
+        """A file's bytes."""
+        with open(self._open(path, os.O_RDONLY), "rb") as file:
+            return file.read()
+
+    def write(self, path, content, mode=0o666):
+        """Puts a file into the unit; no journal entry comes of it."""
+        with open(self._open(path, os.O_WRONLY | os.O_CREAT | os.O_TRUNC, mode), "wb") as file:
+            file.write(content)
+            os.fchmod(file.fileno(), mode)
+        self._own("sim_note")
+
+    def exists(self, path):
+        try:
+            os.stat(path.lstrip("/"), dir_fd=self._root)
+            return True
+        except FileNotFoundError:
+            return False
+
+    def files(self, folder):
+        """Names in a folder."""
+        descriptor = self._open(folder, os.O_RDONLY | os.O_DIRECTORY)
+        try:
+            return sorted(os.listdir(descriptor))
+        finally:
+            os.close(descriptor)
+
+    def stored_files(self):
+        """All files that a gateway may have stored: path -> bytes."""
+        return {f"{folder}/{name}": self.read(f"{folder}/{name}")
+                for folder in ("/user_data2", "/share", "/var/tmp", "/dev/shm")
+                for name in self.files(folder)}
+
+    # ---- the unit's surroundings ----
+
+    def set_mcu(self, mode="normal", answer_ms=0):
+        """How the microcontroller answers from now on: normal, slow (normal, after answer_ms),
+        silent, absent (nothing listens), split (in pieces) or hangup (closes instead)."""
+        if mode not in ("normal", "slow", "silent", "absent", "split", "hangup"):
+            raise ValueError(mode)
+        self._own("sim_mcu", f"mode {'normal' if mode == 'slow' else mode} {answer_ms}")
+
+    def put_tool(self, name, text):
+        """Puts a program of the caller's on the unit's PATH, before the appliance's tools (but
+        BusyBox's applets come first). A script begins with "#!/bin/busybox sh": /bin/sh journals."""
+        self.write(f"/unit/extra/{name}", text.encode() if isinstance(text, str) else text, 0o777)
+
+    @contextlib.contextmanager
+    def held(self, call):
+        """While the block runs, a tool whose call begins with this text (as the journal shows it)
+        waits after its entry."""
+        self.write("/run/sim/hold", call.encode())
+        try:
+            yield
+        finally:
+            os.unlink("run/sim/hold", dir_fd=self._root)
+
+
+def _sandbox(options):
+    """The command that makes the unit's namespaces and its empty file system."""
+    command = ["bwrap", "--unshare-net", "--unshare-pid", "--unshare-ipc", "--unshare-uts",
+               "--die-with-parent", "--new-session", "--clearenv",
+               "--ro-bind", "/usr", "/usr"]
+    for folder in ("lib", "lib32", "lib64", "libx32"):
+        if os.path.islink(f"/{folder}"):
+            command += ["--symlink", os.readlink(f"/{folder}"), f"/{folder}"]
+        elif os.path.isdir(f"/{folder}"):
+            command += ["--ro-bind", f"/{folder}", f"/{folder}"]
+    command += ["--proc", "/proc", "--dev", "/dev", "--tmpfs", "/tmp"]
+    if options["user_data_bytes"]:
+        command += ["--size", str(options["user_data_bytes"])]
+    command += ["--tmpfs", "/user_data2"]
+    for folder in ("/share", "/var/tmp", "/dev/shm", "/sys/devices/platform/videoip", "/run/sim",
+                   "/unit/bin", "/unit/extra", "/bin", "/www/uploads", "/www/cgi-bin"):
+        command += ["--dir", folder]
+    for path, inside in (
+            (options["busybox"], "/bin/busybox"),
+            (options["unit_tool"], "/sim/unit_tool"),
+            (os.path.join(HERE, f"unit.{options['model']}.params"), "/sim/params"),
+            (os.path.join(HERE, "lighttpd.conf"), "/sim/lighttpd.conf"),
+            (options["gateway"], CGI)):
+        if not os.path.isfile(path):
+            raise UnitError(f"{path} is missing")
+        command += ["--ro-bind", os.path.realpath(path), inside]
+    return command
+
+
+def _cgi_environment(gateway, real_time, preload):
+    libraries = list(preload)
+    environment = {"PATH": TOOL_PATH, "FAKETIME": "", "ASAN_OPTIONS": "", "LD_PRELOAD": ""}
+    if not real_time:
+        library = find_faketime(gateway)
+        if library is None:
+            raise UnitError("libfaketime is missing: install the package faketime or use real time")
+        libraries.append(library)
+        environment["FAKETIME"] = f"+0 x{FAST}"
+        # The preloaded clock stands before the sanitizer's own library, which would refuse that.
+        environment["ASAN_OPTIONS"] = "verify_asan_link_order=0"
+    environment["LD_PRELOAD"] = ":".join(libraries)
+    return environment
+
+
+def start(model, gateway, unit_tool=None, real_time=False, port=0, user_data_bytes=0, preload=()):
+    """Starts a unit of the given model with the given gateway program and returns it when it is up.
+
+    real_time: the gateway's pauses take as long as on the appliance, not a thousandth of it.
+    port: port of this machine's loopback for the web server; 0 takes a free one.
+    user_data_bytes: size of /user_data2; 0 is no limit.
+    preload: libraries to preload into the gateway only (before the clock).
+    """
+    busybox = shutil.which("busybox")
+    for program in ("bwrap", "busybox", "/usr/sbin/lighttpd"):
+        if shutil.which(program) is None:
+            raise UnitError(f"{program} is missing: scripts/demo installs what the unit needs")
+    command = _sandbox({"model": model, "gateway": os.fspath(gateway), "busybox": busybox,
+                        "unit_tool": os.fspath(unit_tool or default_unit_tool()),
+                        "user_data_bytes": user_data_bytes})
+    environment = _cgi_environment(gateway, real_time, preload)
+    ours, theirs = socket.socketpair(socket.AF_UNIX, socket.SOCK_SEQPACKET)
+    listener = socket.socket()
+    listener.setsockopt(socket.SOL_SOCKET, socket.SO_REUSEADDR, 1)
+    listener.bind(("127.0.0.1", port))
+    listener.listen(128)
+    with theirs, listener:
+        settings = {"UNIT_PORT": str(listener.getsockname()[1]), "PATH": TOOL_PATH,
+                    **{f"UNIT_CGI_{key.removeprefix('LD_')}": value
+                       for key, value in environment.items()}}
+        for key, value in settings.items():
+            command += ["--setenv", key, value]
+        command += ["--", "/sim/unit_tool", "unit_init", "/sim/params", str(theirs.fileno()),
+                    str(listener.fileno())]
+        process = subprocess.Popen(command, stdin=subprocess.DEVNULL,
+                                   pass_fds=(theirs.fileno(), listener.fileno()))
+        theirs.close()
+        ours.settimeout(20)
+        try:
+            text, descriptors, _, _ = socket.recv_fds(ours, 16, 1)
+        except OSError:
+            text, descriptors = b"", []
+        if text != b"ready" or not descriptors:
+            process.kill()
+            process.wait()
+            raise UnitError("the unit did not start")
+        ours.settimeout(None)
+        os.set_inheritable(descriptors[0], False)
+        return Unit(process, ours, descriptors[0], listener, model, environment)
+
+
+def stop_on_signals():
+    """Makes SIGTERM and SIGHUP end this program as Ctrl-C does, through its with blocks."""
+    def leave(number, _):
+        raise SystemExit(128 + number)
+    signal.signal(signal.SIGTERM, leave)
+    signal.signal(signal.SIGHUP, leave)
