@@ -3,8 +3,9 @@
 // where the gateway does, and prints the reply. What the gateway costs is told beside this.
 //
 // Usage: floor FIELD LIMIT PARSES [STORED TWIN]
-// The field is looked for as a browser writes it; a content above LIMIT bytes is refused; STORED is
-// where the content goes in the stored form of lists, TWIN where `cp` then puts its copy.
+// FIELD is looked for as it stands. Of a content at most LIMIT bytes are taken; without a limit, 0,
+// the field is all that is looked for. PARSES is how often the content is parsed. STORED is where
+// it goes in the stored form of lists, TWIN where `cp` then puts its copy.
 #include <cjson/cJSON.h>
 #include <fcntl.h>
 #include <unistd.h>
@@ -33,8 +34,21 @@ static const char* find(const char* text, const char* end, const char* wanted) {
         memmem(text, static_cast<size_t>(end - text), wanted, strlen(wanted)));
 }
 
+// False when the content is longer than the limit.
+static bool copy_content(const char* end, size_t limit) {
+    const char* headers = find(body, end, "\r\n\r\n");
+    const char* begin = headers == nullptr ? body : headers + 4;
+    const char* found = find(begin, end, "\r\n----");
+    const auto size = static_cast<size_t>((found == nullptr ? end : found) - begin);
+    if (size > limit) {
+        return false;
+    }
+    memcpy(content, begin, size);
+    return true;
+}
+
 // Every double quote becomes TAG, line ends and tabs go; written, flushed, renamed, copied.
-static void store(const char* stored, const char* twin) {
+static bool store(const char* stored, const char* twin) {
     char* text = static_cast<char*>(malloc(3 * strlen(content) + 1));
     size_t size = 0;
     for (const char* at = content; *at != '\0'; at++) {
@@ -48,12 +62,12 @@ static void store(const char* stored, const char* twin) {
     char line[1024];
     snprintf(line, sizeof line, "%s.floor", stored);
     const int file = open(line, O_WRONLY | O_CREAT | O_TRUNC, 0666);
-    if (write(file, text, size) < 0 || fsync(file) != 0 || close(file) != 0 ||
-        rename(line, stored) != 0) {
-        exit(1);
+    if (write(file, text, size) != static_cast<ssize_t>(size) || fsync(file) != 0 ||
+        close(file) != 0 || rename(line, stored) != 0) {
+        return false;
     }
     snprintf(line, sizeof line, "cp %s %s", stored, twin);
-    exit(system(line) == 0 ? 0 : 1);
+    return system(line) == 0;
 }
 
 int main(int count, char** arguments) {
@@ -71,20 +85,14 @@ int main(int count, char** arguments) {
     printf("HTTP/1.1 200 OK\r\nContent-Type: text/html\n\n");
     const char* const end = body + read_body();
     const size_t limit = strtoul(arguments[2], nullptr, 10);
-    bool success = false;
-    const char* field = find(body, end, arguments[1]);
-    const char* begin = field == nullptr ? nullptr : find(body, end, "\r\n\r\n");
-    if (begin != nullptr) {
-        begin += 4;
-        const char* last = static_cast<size_t>(end - begin) > limit + 6 ? begin + limit + 6 : end;
-        const char* found = find(begin, last, "\r\n----");
-        const auto size = static_cast<size_t>((found == nullptr ? last : found) - begin);
-        if (size <= limit) {
-            memcpy(content, begin, size);
-            success = arguments[3][0] != '1' || cJSON_Parse(content) != nullptr;
-            if (count > 5) {
-                store(arguments[4], arguments[5]);
-            }
+    bool success = find(body, end, arguments[1]) != nullptr;
+    if (success && limit > 0) {
+        success = copy_content(end, limit);
+        for (int parses = atoi(arguments[3]); success && parses > 0; parses--) {
+            success = cJSON_Parse(content) != nullptr;
+        }
+        if (success && count > 5) {
+            success = store(arguments[4], arguments[5]);
         }
     }
     printf("{\"command\":\"uploadConfFile\",\"success\":%s,\"mac\":\"%s\"}",
