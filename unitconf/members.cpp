@@ -2,9 +2,11 @@
 
 #include <climits>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 
 #include "device/unit.h"
+#include "unitconf/numbers.h"
 
 const cJSON* find_member(const cJSON* object, const char* key, bool exact_case) {
     return exact_case ? cJSON_GetObjectItemCaseSensitive(object, key)
@@ -55,6 +57,13 @@ static bool apply_number(const Member& row, int value) {
     return above_lowest <= width && send_number(row.line, value + row.offset);
 }
 
+static bool send_number_list(const Line& line, const cJSON* item) {
+    char* list = json_number_array_to_list(item);
+    const bool sent = list != nullptr && send_value(line, list);
+    free(list);
+    return sent;
+}
+
 static bool apply_text(const Member& row, const char* value) {
     switch (row.kind) {
         case Kind::text:
@@ -102,6 +111,8 @@ static bool apply_member(const Section& section, const Member& row, const cJSON*
         case Kind::begins_with:
             return cJSON_IsString(item) && (!row.not_empty || item->valuestring[0] != '\0') &&
                    apply_text(row, item->valuestring);
+        case Kind::number_list:
+            return send_number_list(row.line, item);
         case Kind::handled:
             return row.handler(section, item);
         case Kind::object:
@@ -122,6 +133,10 @@ static bool apply_row(const Section& section, const Member& row) {
     }
     if (row.partner != nullptr &&
         find_member(section.object, row.partner, row.partner_exact_case) == nullptr) {
+        return false;
+    }
+    if (row.displaced_by != nullptr &&
+        cJSON_IsObject(find_member(section.whole, row.displaced_by, false))) {
         return false;
     }
     const cJSON* holder =

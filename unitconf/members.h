@@ -101,6 +101,7 @@ enum class Kind : unsigned char {
     word_or_minus_one,  // the same, but an unknown word sends -1
     translated,         // a word only: the line with the word's text
     begins_with,        // string: one of two lines, by how it begins
+    number_list,        // array: the line with its numbers as a list
     handled,            // any type, looked at by the handler
     object,             // the member's own members, when it is there
     always,             // no member: a fixed line
@@ -133,6 +134,8 @@ struct Member {
     const char* beginning = nullptr;  // begins_with: the text that chooses `line`
     const char* partner = nullptr;    // the row counts only when this key is there as well
     bool partner_exact_case = false;
+    const char* displaced_by = nullptr;  // the row counts only when the section as a whole holds no
+                                         // object of this key
     int lowest = 0;   // number_in_range: the limits, compared unsigned, and what is
     int highest = 0;  // added to the value that is sent
     int offset = 0;
@@ -252,6 +255,16 @@ constexpr Member begins_with(const char* key, const char* beginning, Line line, 
             .pauses = pauses};
 }
 
+// An array, the empty one too: `line` holds "%s" and takes its numbers as a list (see
+// json_number_array_to_list).
+constexpr Member number_list(const char* key, Line line, Pauses pauses = {}) {
+    return {.kind = Kind::number_list,
+            .type = JsonType::array,
+            .key = key,
+            .line = line,
+            .pauses = pauses};
+}
+
 // A member of any type that `handler` applies; `type` and `words` say what it makes use of.
 constexpr Member handled(const char* key, JsonType type, Handler handler, Pauses pauses = {},
                          Vocabulary words = {}) {
@@ -326,6 +339,13 @@ constexpr Member together_with(const char* partner, bool partner_exact_case, Mem
     return row;
 }
 
+// The row sends nothing when the section as a whole holds an object of the key `displaced_by`,
+// looked up ignoring case; its pause stays. Null leaves the row as it is.
+constexpr Member displaced(const char* displaced_by, Member row) {
+    row.displaced_by = displaced_by;
+    return row;
+}
+
 // A second line, run right behind the first one when that was run.
 constexpr Member and_then(Line line, Member row) {
     row.then = line;
@@ -383,6 +403,7 @@ constexpr bool well_formed_row(const Member& row) {
     }
     if ((row.parent != nullptr && (!needs_key || row.parent[0] == '\0')) ||
         (row.partner != nullptr && row.partner[0] == '\0') ||
+        (row.displaced_by != nullptr && (!needs_key || row.displaced_by[0] == '\0')) ||
         (row.then.text != nullptr && !holds_only(row.then, '\0'))) {
         return false;
     }
@@ -397,6 +418,7 @@ constexpr bool well_formed_row(const Member& row) {
             return holds_only(row.line, 'd') && row.lowest <= row.highest;
         case Kind::text:
         case Kind::any_text:
+        case Kind::number_list:
             return holds_only(row.line, 's');
         case Kind::choice:
         case Kind::word:

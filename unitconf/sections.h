@@ -51,11 +51,33 @@ void apply_video_wall_section(const cJSON* section);
 void apply_dante_section(const cJSON* section);
 
 // services/serial.cpp, services/ir_trigger.cpp
+
+// Sets the RS-232 port, merges its settings and user-defined slots into the list of command codes
+// that the unit keeps, and switches tunnelling and pass-through. "setting" or "userdefined" being
+// there, of any type, sets the port's line, from the present values where the document gives none,
+// and waits 1 second; a document that gives the whole setting sets line and list twice. No value is
+// checked: any baud text reaches the line, cut to 31 bytes, the other texts to 15. A list that
+// cannot be opened or is not JSON stays as it is; an empty one starts from the default.
 void apply_serial_section(const cJSON* section);
+
+// Sets the infrared receiver (1 second behind it), the sending delay, the repeat count and the
+// repeat delay (integers of any value), replaces the list of IR codes by "data" of any type, and
+// sets the pass-through to a partner unit (1 second behind its switch). The list stays as it was
+// when its working file cannot be opened.
 void apply_ir_section(const cJSON* section);
+
+// Replaces the trigger command lists and then switches triggers on or off; no pause. The lists are
+// taken by position, and one whose "type" does not confirm its position is passed over. Lists of
+// API events replace all that are stored, none in the document included; one without a text
+// "apievent" is not written.
 void apply_trigger_section(const cJSON* section);
 
 // services/network.cpp
+
+// Sets the addresses, host name, VLANs and discovery of the first port ("lan1"), the switch, power
+// and VLANs of the second ("lan2") and the three service networks ("services_settings"), whose
+// VLANs then enter and leave the member lists of both ports. The unit's parameters are read first,
+// whatever the section holds.
 void apply_network_section(const cJSON* section);
 
 // services/security.cpp

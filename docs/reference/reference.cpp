@@ -96,6 +96,8 @@ std::string words_and_limits(const Member& row) {
             return row.test == nullptr ? "not empty" : "not empty, and valid";
         case Kind::any_text:
             return row.not_empty ? "not empty" : "";
+        case Kind::number_list:
+            return "numbers, told as a list with \",\" between them";
         default:
             return text;
     }
@@ -127,6 +129,9 @@ std::string what_is_told(const Member& row) {
     }
     if (row.partner != nullptr) {
         text += "; only together with " + code(row.partner);
+    }
+    if (row.displaced_by != nullptr) {
+        text += "; only without an object " + code(row.displaced_by) + " in the section";
     }
     return text;
 }

@@ -48,6 +48,7 @@ constexpr Member kinds[] = {
     word_or_minus_one("k", speeds, "m %d", both),
     translated("k", algorithms, "x %s", both),
     begins_with("k", "dhcp", "yes", "no", both),
+    number_list("k", "l \"%s\"", both),
     handled("k", JsonType::any, record_item, both),
     object("k", inner_members, both),
     always("fixed;", both),
@@ -59,8 +60,8 @@ static_assert(well_formed(kinds) && well_formed(inner_members));
 constexpr size_t kind_count = sizeof kinds / sizeof kinds[0];
 
 const char* const values[] = {
-    "true", "false",   "null",    "0",         "7",     "20", "-1", "-0.5",          "1e99",
-    "\"\"", "\"low\"", "\"md5\"", "\"dhcp4\"", "\"5\"", "[]", "{}", "{\"on\":true}",
+    "true", "false",   "null",    "0",         "7",     "20", "-1",     "-0.5", "1e99",
+    "\"\"", "\"low\"", "\"md5\"", "\"dhcp4\"", "\"5\"", "[]", "[4,-5]", "{}",   "{\"on\":true}",
 };
 
 std::string apply_row_to(const Member& row, const std::string& document) {
@@ -90,6 +91,7 @@ const std::map<Kind, std::map<std::string, std::string>> expected_lines = {
       {"\"dhcp4\"", "mcu \n"},
       {"\"5\"", "mcu \n"},
       {"[]", "mcu \n"},
+      {"[4,-5]", "mcu \n"},
       {"{}", "mcu \n"},
       {"{\"on\":true}", "mcu \n"}}},
     {Kind::number,
@@ -128,6 +130,7 @@ const std::map<Kind, std::map<std::string, std::string>> expected_lines = {
       {"\"md5\"", "shell no\n"},
       {"\"dhcp4\"", "shell yes\n"},
       {"\"5\"", "shell no\n"}}},
+    {Kind::number_list, {{"[]", "shell l \"\"\n"}, {"[4,-5]", "shell l \"4,-5\"\n"}}},
     {Kind::object,
      {{"true", "pause 4\n"},
       {"false", "pause 4\n"},
@@ -144,6 +147,7 @@ const std::map<Kind, std::map<std::string, std::string>> expected_lines = {
       {"\"dhcp4\"", "pause 4\n"},
       {"\"5\"", "pause 4\n"},
       {"[]", "pause 4\n"},
+      {"[4,-5]", "pause 4\n"},
       {"{}", "pause 4\n"},
       {"{\"on\":true}", "pause 4\nshell inner 1\n"}}},
 };
@@ -270,6 +274,24 @@ TEST(MemberRows, AMemberThatNeedsAPartnerKeepsItsPauseWithoutIt) {
     EXPECT_EQ(apply_row_to(loose, R"({"k":"a","P":true})"), "shell t a\n");
 }
 
+TEST(MemberRows, ADisplacedMemberCountsOnlyWithoutTheOtherObject) {
+    static constexpr Member part[] = {
+        displaced("other", number("k", "n %d", pause_when_sent_then_always(2, 1))),
+        displaced(nullptr, number("l", "l %d")),
+    };
+    static_assert(well_formed(part));
+    const Member row = object("part", part);
+    EXPECT_EQ(apply_row_to(row, R"({"part":{"k":1,"l":2},"other":{}})"), "pause 1\nshell l 2\n");
+    EXPECT_EQ(apply_row_to(row, R"({"OTHER":{},"part":{"k":1}})"), "pause 1\n");
+    for (const std::string other : {"null", "true", "0", "\"x\"", "[]", "[{}]"}) {
+        EXPECT_EQ(apply_row_to(row, R"({"part":{"k":1},"other":)" + other + "}"),
+                  "shell n 1\npause 2\npause 1\n")
+            << other;
+    }
+    EXPECT_EQ(apply_row_to(row, R"({"part":{"k":1,"other":{}}})"), "shell n 1\npause 2\npause 1\n");
+    EXPECT_EQ(apply_row_to(part[0], R"({"k":1})"), "shell n 1\npause 2\npause 1\n");
+}
+
 TEST(MemberRows, ASecondLineRunsOnlyBehindTheFirst) {
     const Member row = and_then("second &", text("k", "first %s", pause_when_sent(1)));
     EXPECT_EQ(apply_row_to(row, R"({"k":"a"})"), "shell first a\nshell second &\npause 1\n");
@@ -329,6 +351,9 @@ static_assert(!well_formed_row(number_in_range("k", 2, 1, 0, "n %d")));
 static_assert(!well_formed_row(pause(0)));
 static_assert(!well_formed_row(always("line %s")));
 static_assert(!well_formed_row(within("", number("k", "n %d"))));
+static_assert(!well_formed_row(number_list("k", "l %d")));
+static_assert(!well_formed_row(displaced("", number("k", "n %d"))));
+static_assert(!well_formed_row(displaced("lan1", always("line"))));
 static_assert(!well_formed_row(and_then("then %s", number("k", "n %d"))));
 static_assert(well_formed_row(number("k", "n %d %d")));
 static_assert(kind_count > 0);
