@@ -1,9 +1,8 @@
-#include <unistd.h>
-
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 
 #include "device/unit.h"
 
@@ -51,7 +50,7 @@ int read_command_output(const char* command, char* out) {
 }
 
 void pause_seconds(unsigned seconds) {
-    while (seconds > 0) {
-        seconds = sleep(seconds);
+    timespec left = {static_cast<time_t>(seconds), 0};
+    while (nanosleep(&left, &left) != 0 && errno == EINTR) {
     }
 }

@@ -7,6 +7,7 @@
 
 #include "device/lines.h"
 #include "device/unit.h"
+#include "unitconf/document.h"
 #include "unitconf/sections.h"
 
 // When the progress message behind a section's place is sent. A section that is absent has its
@@ -184,11 +185,6 @@ static int apply_document(const char* model, const cJSON* document) {
 }
 
 int apply_configuration_to_model(const char* model, const char* text) {
-    cJSON* document = cJSON_Parse(text);
-    if (document == nullptr) {
-        return configuration_not_json;
-    }
-    const int result = apply_document(model, document);
-    cJSON_Delete(document);
-    return result;
+    const cJSON* document = parse_document(text);
+    return document == nullptr ? configuration_not_json : apply_document(model, document);
 }
