@@ -10,10 +10,10 @@ import subprocess
 import sys
 import tempfile
 
+import effects
 import report
 import sandbox
 
-MODELS = ("ZAVO-ENC-U300-DA", "ZAVO-ENC-E100-DA", "ZAVO-DEC-D200-DA")
 KIB, MIB = 1024, 1024 * 1024
 SIZES = {"1 KB": 1024, "100 KB": 102400, "512,000 bytes": 512000, "10 MB": 10 * MIB - 1}
 
@@ -35,7 +35,7 @@ SIZE_LIMIT = 100 * KIB
 
 
 def built(*path):
-    return os.path.join(sandbox.REPOSITORY, "build", *path)
+    return os.path.join(effects.REPOSITORY, "build", *path)
 
 
 GATEWAY = built("upload_gateway")
@@ -180,11 +180,12 @@ def measure_store(measuring):
 
 # --- Unit configurations ----------------------------------------------------------------------------
 
-def clean_unit(parameters):
+def clean_unit(model):
+    """Takes away what was stored, and puts the factory's present values back."""
     for folder in ("/user_data2", "/share", "/var/tmp"):
         for name in os.listdir(folder):
             os.unlink(os.path.join(folder, name))
-    sandbox.write_dumps(*parameters)
+    sandbox.write_dumps(*sandbox.present_values(effects.initial_parameters(model)))
 
 
 def fast_clock():
@@ -210,34 +211,13 @@ def run_gateway(gateway, path, strace=()):
         raise RuntimeError(f"refused: {result.stdout!r}")
 
 
-EXECUTED = re.compile(r'^(\d+) execve\("[^"]*", \[(.*)\], 0x[0-9a-f]+.*\) = 0$')
-STRING = re.compile(r'"((?:[^"\\]|\\.)*)"')
-
-
 def executed(gateway, path):
     """The arguments of every program that a run starts, the gateway first."""
-    log = tempfile.mktemp(dir="/tmp")
-    run_gateway(gateway, path,
-                ["-f", "-qq", "-e", "trace=execve", "-e", "signal=none", "-s", "400000", "-o", log])
-    programs = []
-    # A call that another process interrupts is told in two halves.
-    unfinished = {}
+    log = "/tmp/calls"
+    run_gateway(gateway, path, ["-f", "-qq", "-e", "trace=execve", "-e", "signal=none",
+                                "-s", "400000", "-o", log])
     with open(log, encoding="latin-1") as file:
-        for line in file.read().splitlines():
-            process, text = line.split(" ", 1)
-            text = text.lstrip()
-            if text.endswith("<unfinished ...>"):
-                unfinished[process] = text.removesuffix("<unfinished ...>").rstrip()
-                continue
-            resumed = re.match(r"<\.\.\. execve resumed>(.*)", text)
-            if resumed:
-                text = unfinished.pop(process) + resumed.group(1)
-            match = EXECUTED.match(f"{process} {text}")
-            if match:
-                programs.append([word.encode("latin-1").decode("unicode_escape").encode("latin-1")
-                                 for word in STRING.findall(match.group(2))])
-    os.unlink(log)
-    return programs
+        return effects.programs_in(file.read())
 
 
 def shell_lines(programs):
@@ -253,23 +233,13 @@ def replay_file(lines):
                                for line in lines))
 
 
-def example(model):
-    with open(os.path.join(sandbox.REPOSITORY, "examples", f"unit-configuration.{model}.json"),
-              encoding="utf-8") as file:
-        return json.load(file)
-
-
-def initial_parameters(model):
-    return os.path.join(sandbox.REPOSITORY, "sim", f"unit.{model}.params")
-
-
 def configuration_body(document):
     return multipart(KINDS["unit configuration"][0], json.dumps(document, indent=2).encode())
 
 
 def measure_configuration(measuring, model):
-    clean_unit(sandbox.present_values(initial_parameters(model)))
-    path = write_file(configuration_body(example(model)))
+    clean_unit(model)
+    path = write_file(configuration_body(effects.example(model)))
     run_gateway(gateway_of(model), path)
     lines = shell_lines(executed(gateway_of(model), path))
     exchanges = sum(1 for line in lines if MCU_LINE.fullmatch(line))
@@ -279,43 +249,30 @@ def measure_configuration(measuring, model):
         CONFIGURATION_LIMIT, environment=fast_clock())
 
 
-def sections_of(document):
-    """The document's members but its model, those of "stream" each on its own."""
-    for key, value in document.items():
-        if key == "stream":
-            for part, section in value.items():
-                yield f"stream.{part}", {key: {part: section}}
-        elif key != "model":
-            yield key, {key: value}
-
-
 def count_effects(model, document):
-    """(shell lines, exchanges, seconds of pauses) by the recorder and programs started by the unit."""
-    text = write_file(json.dumps(document).encode())
-    trace = subprocess.run([built("bench", "trace_configuration"), model, text,
-                            initial_parameters(model)],
-                           stdout=subprocess.PIPE, check=True).stdout.decode("latin-1").split("\n")
-    os.unlink(text)
-    kinds = [line.split(" ")[0] for line in trace]
-    pauses = sum(int(line.split(" ")[1]) for line in trace if re.fullmatch(r"pause \d+", line))
+    """Shell lines, commands and pauses by the recorder; programs started, as the unit sees them."""
     body = write_file(configuration_body(document))
-    clean_unit(sandbox.present_values(initial_parameters(model)))
+    clean_unit(model)
     programs = executed(gateway_of(model), body)
     os.unlink(body)
-    return [kinds.count("shell") + kinds.count("read"), kinds.count("mcu"), pauses,
-            len(programs) - 1]
+    counts = effects.traced(built(), model, document)
+    seen = shell_lines(programs)
+    exchanges = sum(1 for line in seen if MCU_LINE.fullmatch(line))
+    # The MAC is asked for as well, which the recorder does not see.
+    if [len(seen) - exchanges - 1, exchanges] != counts[:2]:
+        raise RuntimeError(f"{model} runs {len(seen)} lines, the recorder tells of {counts}: "
+                           f"{document}")
+    return [*counts, len(programs) - 1]
 
 
 def count_sections(measuring):
     """What each section of the examples starts beyond what a document without sections does."""
-    for model in MODELS:
-        document = example(model)
-        bare = count_effects(model, {"model": model, "stream": {}})
-        measuring.unit.append([model, "(every configuration)", *bare])
-        for name, section in sections_of(document):
-            counts = count_effects(model, {"model": model, "stream": {}, **section})
-            measuring.unit.append(
-                [model, name, *(count - base for count, base in zip(counts, bare, strict=True))])
+    for model in effects.MODELS:
+        base = None
+        for name, document in effects.sections(model):
+            counts = count_effects(model, document)
+            measuring.unit.append([model, name, *(effects.less(counts, base) if base else counts)])
+            base = base or counts
 
 
 # --- Memory, start-up, size -------------------------------------------------------------------------
@@ -341,7 +298,7 @@ def measure_start(measuring):
 
 
 def measure_size(measuring):
-    program = os.path.join(sandbox.REPOSITORY, "build-armhf", "upload_gateway")
+    program = os.path.join(effects.REPOSITORY, "build-armhf", "upload_gateway")
     if os.path.exists(program):
         copy = "/tmp/stripped"
         subprocess.run(["/usr/bin/arm-linux-gnueabihf-strip", "-o", copy, program], check=True)
@@ -388,22 +345,21 @@ class Once(Measuring):
 def measure_growth(measuring):
     model = "ZAVO-ENC-U300-DA"
     gateway = gateway_of(model)
-    values = sandbox.present_values(initial_parameters(model))
+    values = sandbox.present_values(effects.initial_parameters(model))
     field = KINDS["unit configuration"][0]
-    clean_unit(values)
+    clean_unit(model)
 
     growth(measuring, "Body size", "KB",
            [(size, request(measuring, gateway, write_file(refused_body(field, size * KIB))))
             for size in range(100, 1001, 100)])
 
     # Sections differ in what they do: a point is every rotation's first few, on average.
-    sections = [section for name, section in sections_of(example(model))
-                if not name.startswith("stream.")]
+    sections = [document for name, document in effects.sections(model)
+                if not name.startswith("stream.")][1:]
 
     def first_sections(count):
         paths = itertools.cycle([
             write_file(configuration_body(dict(itertools.chain(
-                {"model": model}.items(),
                 *(section.items() for section in (sections + sections)[first:first + count])))))
             for first in range(0, len(sections), 3)])
 
@@ -454,7 +410,7 @@ PARTS = {
     "intake": measure_intake,
     "store": measure_store,
     "configuration": lambda measuring: [measure_configuration(measuring, model)
-                                        for model in MODELS],
+                                        for model in effects.MODELS],
     "sections": count_sections,
     "growth": measure_growth,
 }
@@ -485,14 +441,14 @@ def main():
         parser.error("there are these parts: " + ", ".join(PARTS))
     if sandbox.is_inside():
         return measure(arguments)
-    results = os.path.join(sandbox.REPOSITORY, "build")
+    results = os.path.join(effects.REPOSITORY, "build")
     status = sandbox.enter(os.path.abspath(__file__), sys.argv[1:], results)
     if status == 0:
         with open(os.path.join(results, "bench-results.json"), encoding="utf-8") as file:
             found = json.load(file)
         print(report.plain_table(found["rows"]))
         if not arguments.quick and not arguments.parts:
-            report.write_documents(found, os.path.join(sandbox.REPOSITORY, "docs"))
+            report.write_documents(found, os.path.join(effects.REPOSITORY, "docs"))
     return status
 
 

@@ -9,7 +9,9 @@ import shutil
 import subprocess
 import time
 
-REPOSITORY = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
+from effects import REPOSITORY
+
+
 TOOLS = ("astparam", "lmparam", "e", "dapi", "crypto_program", "node_query", "change_serial",
          "init_send_oled", "mqtt_upgrade_cert.sh", "https_upgrade_cert.sh", "ldap_upgrade_cert.sh",
          "update_1x_cert_upload_conf.sh")
