@@ -22,6 +22,15 @@ const Word* find_word(const char* text, Vocabulary words) {
     return nullptr;
 }
 
+const Word* find_code(int code, Vocabulary words) {
+    for (size_t i = 0; i < words.count; i++) {
+        if (words.words[i].code == code) {
+            return &words.words[i];
+        }
+    }
+    return nullptr;
+}
+
 int choice_code(const cJSON* item, Vocabulary words) {
     if (cJSON_IsNumber(item)) {
         return item->valueint;
@@ -55,6 +64,11 @@ static bool apply_number(const Member& row, int value) {
     const unsigned above_lowest = static_cast<unsigned>(value) - static_cast<unsigned>(row.lowest);
     const unsigned width = static_cast<unsigned>(row.highest) - static_cast<unsigned>(row.lowest);
     return above_lowest <= width && send_number(row.line, value + row.offset);
+}
+
+static bool apply_chosen_text(const Member& row, int code) {
+    const Word* chosen = code < 0 ? nullptr : find_code(code, row.words);
+    return chosen != nullptr && chosen->text != nullptr && send_value(row.line, chosen->text);
 }
 
 static bool send_number_list(const Line& line, const cJSON* item) {
@@ -103,6 +117,8 @@ static bool apply_member(const Section& section, const Member& row, const cJSON*
             const int code = choice_code(item, row.words);
             return code >= 0 && send_number(row.line, code);
         }
+        case Kind::chosen_text:
+            return apply_chosen_text(row, choice_code(item, row.words));
         case Kind::text:
         case Kind::any_text:
         case Kind::word:
@@ -131,16 +147,16 @@ static bool apply_row(const Section& section, const Member& row) {
     if (row.key == nullptr) {
         return row.line.text != nullptr && send_plain(row.line);
     }
+    const cJSON* object = row.of_whole_section ? section.whole : section.object;
     if (row.partner != nullptr &&
-        find_member(section.object, row.partner, row.partner_exact_case) == nullptr) {
+        find_member(object, row.partner, row.partner_exact_case) == nullptr) {
         return false;
     }
     if (row.displaced_by != nullptr &&
         cJSON_IsObject(find_member(section.whole, row.displaced_by, false))) {
         return false;
     }
-    const cJSON* holder =
-        row.parent == nullptr ? section.object : find_member(section.object, row.parent, false);
+    const cJSON* holder = row.parent == nullptr ? object : find_member(object, row.parent, false);
     const cJSON* item = find_member(holder, row.key, row.exact_case);
     return item != nullptr && apply_member(section, row, item);
 }

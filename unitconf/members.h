@@ -46,6 +46,8 @@ struct Word {
         : word(the_word), code(its_code), text(nullptr) {}
     constexpr Word(const char* the_word, const char* its_text)
         : word(the_word), code(-1), text(its_text) {}
+    constexpr Word(const char* the_word, int its_code, const char* its_text)
+        : word(the_word), code(its_code), text(its_text) {}
 };
 
 struct Vocabulary {
@@ -100,6 +102,7 @@ enum class Kind : unsigned char {
     word,               // a word only: the line with the code; an unknown word sends nothing
     word_or_minus_one,  // the same, but an unknown word sends -1
     translated,         // a word only: the line with the word's text
+    chosen_text,        // number or word: the line with the text of that code's entry, if any
     begins_with,        // string: one of two lines, by how it begins
     number_list,        // array: the line with its numbers as a list
     handled,            // any type, looked at by the handler
@@ -126,7 +129,8 @@ struct Member {
     JsonType type = JsonType::none;
     bool exact_case = false;
     bool not_empty = false;
-    const char* parent = nullptr;  // the object that holds the key, when it is not the section
+    bool of_whole_section = false;  // looked up in the section although the row is a part's
+    const char* parent = nullptr;   // the object that holds the key, when it is not the section
     const char* key = nullptr;
     Line line = {};                   // for a flag: the line of true
     Line other = {};                  // for a flag: the line of false
@@ -243,6 +247,14 @@ constexpr Member translated(const char* key, Vocabulary words, Line line, Pauses
     return row;
 }
 
+// A number or a word that chooses an entry by its code; `line` holds "%s" and takes the entry's
+// text. An entry without text and a number that is no entry's code send nothing.
+constexpr Member chosen_text(const char* key, Vocabulary words, Line line, Pauses pauses = {}) {
+    Member row = choice(key, words, line, pauses);
+    row.kind = Kind::chosen_text;
+    return row;
+}
+
 // A text: `line` when it begins with `beginning`, `other` when it does not.
 constexpr Member begins_with(const char* key, const char* beginning, Line line, Line other,
                              Pauses pauses = {}) {
@@ -277,6 +289,11 @@ constexpr Member handled(const char* key, JsonType type, Handler handler, Pauses
             .pauses = pauses};
 }
 
+// There is no row without its handler. That is said here, as the check below cannot compare the
+// address of a function template's instance under every compiler option.
+constexpr Member handled(const char* key, JsonType type, decltype(nullptr) no_handler,
+                         Pauses pauses = {}, Vocabulary words = {}) = delete;
+
 // A sub-object. Its table is applied when the key is there, whatever its type; the pause behind it
 // is taken in any case.
 template <size_t count>
@@ -310,6 +327,13 @@ constexpr Member ignored(const char* key, JsonType type, Pauses pauses = {}) {
 // The key stands in the sub-object `parent` of the section.
 constexpr Member within(const char* parent, Member row) {
     row.parent = parent;
+    return row;
+}
+
+// In the table of a part: the key, or the `parent` that holds it, stands in the whole section. The
+// row is still applied, with its pauses, only where the part's table is.
+constexpr Member of_section(Member row) {
+    row.of_whole_section = true;
     return row;
 }
 
@@ -403,6 +427,7 @@ constexpr bool well_formed_row(const Member& row) {
     }
     if ((row.parent != nullptr && (!needs_key || row.parent[0] == '\0')) ||
         (row.partner != nullptr && row.partner[0] == '\0') ||
+        (row.of_whole_section && !needs_key) ||
         (row.displaced_by != nullptr && (!needs_key || row.displaced_by[0] == '\0')) ||
         (row.then.text != nullptr && !holds_only(row.then, '\0'))) {
         return false;
@@ -426,13 +451,15 @@ constexpr bool well_formed_row(const Member& row) {
             return holds_only(row.line, 'd') && well_formed_words(row.words, false);
         case Kind::translated:
             return holds_only(row.line, 's') && well_formed_words(row.words, true);
+        case Kind::chosen_text:
+            return holds_only(row.line, 's') && well_formed_words(row.words, false);
         case Kind::begins_with:
             return row.beginning != nullptr && row.beginning[0] != '\0' &&
                    holds_only(row.line, '\0') && holds_only(row.other, '\0');
         case Kind::handled:
-            return row.handler != nullptr;
+            return row.type != JsonType::none;
         case Kind::object:
-            return row.members != nullptr && row.member_count > 0;
+            return row.member_count > 0;
         case Kind::always:
             return holds_only(row.line, '\0') && row.type == JsonType::none;
         case Kind::pause:
@@ -470,6 +497,14 @@ void apply_members(const cJSON* section, const Member (&members)[count],
     apply_member_rows({section, section, present}, members, count);
 }
 
+// The same, with the values that the unit holds now, which are taken first.
+template <size_t count>
+void apply_members_with_snapshot(const cJSON* section, const Member (&members)[count]) {
+    ParameterSnapshot present;
+    take_snapshot(&present);
+    apply_members(section, members, &present);
+}
+
 // --- What the walker and handlers share
 // -----------------------------------------------------------
 
@@ -482,6 +517,9 @@ int choice_code(const cJSON* item, Vocabulary words);
 
 // The entry of a text among the words, or null; the comparison is exact.
 const Word* find_word(const char* text, Vocabulary words);
+
+// The first entry of a code among the words, or null.
+const Word* find_code(int code, Vocabulary words);
 
 // The text of an item that is a string with at least one character, otherwise null.
 const char* nonempty_text(const cJSON* item);

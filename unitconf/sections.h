@@ -16,18 +16,37 @@ void apply_device_name(const cJSON* item);
 // text changes nothing.
 void apply_serial_number(const cJSON* item);
 
-// video.cpp, audio.cpp: "stream"."video" and "stream"."audio", by model.
+// video.cpp, audio.cpp: "stream"."video" and "stream"."audio", by model. Both take the unit's
+// present values first.
+
+// Sets the stream or source, mute, latency, colour space, scaling and multicast. Costs up to 19
+// seconds of pauses on the USB-C encoder, 13 on the HDMI encoder and 15 on the decoder. The latency
+// is one digit of the present video engine option, whose other digits stay.
 void apply_usbc_encoder_video_section(const cJSON* section);
 void apply_hdmi_encoder_video_section(const cJSON* section);
 void apply_decoder_video_section(const cJSON* section);
+
+// Sets the sources, volumes (of any value, not checked) and mutes of the audio paths and the analog
+// port, and on the decoder which streams are received. Costs up to 16 seconds of pauses on the
+// encoders and 25 on the decoder. Where the document gives no source or no direction of the analog
+// port, the present one counts; only the decoder's volume then sends an empty command. With an
+// unknown direction the analog port's type, volume and mute are skipped.
 void apply_usbc_encoder_audio_section(const cJSON* section);
 void apply_hdmi_encoder_audio_section(const cJSON* section);
 void apply_decoder_audio_section(const cJSON* section);
 
 // edid_hdcp.cpp: "edid" and "hdcp", by model.
+
+// Sets for each input which EDID it shows to sources: the connected display's, one of the nine
+// predefined ones, or the name of an uploaded one. Costs up to 8 seconds of pauses on the USB-C
+// encoder, 4 on the HDMI encoder and 3 on the decoder.
 void apply_usbc_encoder_edid_section(const cJSON* section);
 void apply_hdmi_encoder_edid_section(const cJSON* section);
 void apply_decoder_edid_section(const cJSON* section);
+
+// Sets whether inputs announce HDCP and the mode of the output; a mode of 0, an unknown one and one
+// above 3 leave it as it is. Costs up to 4 seconds of pauses on the USB-C encoder and 3 on the
+// others.
 void apply_usbc_encoder_hdcp_section(const cJSON* section);
 void apply_hdmi_encoder_hdcp_section(const cJSON* section);
 void apply_decoder_hdcp_section(const cJSON* section);

@@ -76,7 +76,10 @@ std::string words_and_limits(const Member& row) {
     for (size_t i = 0; i < row.words.count; i++) {
         const Word& word = row.words.words[i];
         text += (i == 0 ? "" : ", ") + quoted(word.word);
-        if (word.text != nullptr) {
+        if (row.kind == Kind::chosen_text) {
+            text += " or " + std::to_string(word.code) + " = " +
+                    (word.text == nullptr ? "nothing" : code(word.text));
+        } else if (word.text != nullptr) {
             text += " = " + code(word.text);
         } else if (row.kind != Kind::handled || word.code >= 0) {
             text += " = " + std::to_string(word.code);
@@ -153,7 +156,8 @@ void print_row(const char* section, const std::string& path, const Member& row) 
     std::string name;
     std::string told = what_is_told(row);
     if (row.key != nullptr) {
-        name = path + (row.parent == nullptr ? "" : std::string(row.parent) + ".") + row.key;
+        name = row.of_whole_section ? "" : path;
+        name += (row.parent == nullptr ? "" : std::string(row.parent) + ".") + row.key;
         const char* note = note_of(section, name);
         if (note != nullptr) {
             told += (told.empty() ? "" : "; ") + std::string(note);

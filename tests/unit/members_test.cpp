@@ -16,6 +16,7 @@ namespace {
 
 constexpr Word speeds[] = {{"", 0}, {"low", 1}, {"high", 2}};
 constexpr Word algorithms[] = {{"md5", "MD5"}, {"none", "0"}};
+constexpr Word timings[] = {{"", 0}, {"low", 7, "70"}, {"high", 8, "80"}, {"md5", 9}};
 
 bool record_item(const Section& section, const cJSON* item) {
     char* printed = cJSON_PrintUnformatted(item);
@@ -47,6 +48,7 @@ constexpr Member kinds[] = {
     word("k", speeds, "w %d", both),
     word_or_minus_one("k", speeds, "m %d", both),
     translated("k", algorithms, "x %s", both),
+    chosen_text("k", timings, "v %s;V %s;", both),
     begins_with("k", "dhcp", "yes", "no", both),
     number_list("k", "l \"%s\"", both),
     handled("k", JsonType::any, record_item, both),
@@ -124,6 +126,7 @@ const std::map<Kind, std::map<std::string, std::string>> expected_lines = {
       {"\"dhcp4\"", "shell m -1\n"},
       {"\"5\"", "shell m -1\n"}}},
     {Kind::translated, {{"\"md5\"", "shell x MD5\n"}}},
+    {Kind::chosen_text, {{"7", "shell v 70;V 70;\n"}, {"\"low\"", "shell v 70;V 70;\n"}}},
     {Kind::begins_with,
      {{"\"\"", "shell no\n"},
       {"\"low\"", "shell no\n"},
@@ -259,6 +262,20 @@ TEST(MemberRows, AMemberWithinASubObjectIsFoundThereOnly) {
     EXPECT_EQ(apply_row_to(row, R"({"k":1})"), "");
 }
 
+TEST(MemberRows, AMemberOfTheWholeSectionIsAppliedWhereThePartIs) {
+    static constexpr Member part_members[] = {
+        of_section(within("sub", flag("k", "on", "off", pause_always(1)))),
+        of_section(together_with("p", false, number("n", "n %d"))),
+    };
+    static_assert(well_formed(part_members));
+    const Member row = object("part", part_members);
+    EXPECT_EQ(apply_row_to(row, R"({"part":{"n":3,"p":0},"sub":{"k":true},"n":2,"p":0})"),
+              "shell on\npause 1\nshell n 2\n");
+    EXPECT_EQ(apply_row_to(row, R"({"part":{"k":true,"sub":{"k":true},"p":0},"n":2})"),
+              "pause 1\n");
+    EXPECT_EQ(apply_row_to(row, R"({"sub":{"k":true},"n":2,"p":0})"), "");
+}
+
 TEST(MemberRows, AChangedCaseRuleIsFollowed) {
     EXPECT_EQ(apply_row_to(any_case(flag("k", "on", "off")), R"({"K":true})"), "shell on\n");
     EXPECT_EQ(apply_row_to(exact_case(number("k", "n %d")), R"({"K":1})"), "");
@@ -325,11 +342,32 @@ TEST(MemberRows, RowsAreAppliedInTheOrderOfTheTable) {
     EXPECT_EQ(recorded_trace(), "pause 1\nshell b 2\npause 2\nshell a 1\nshell end\n");
 }
 
+TEST(MemberRows, PresentValuesAreTakenBeforeTheFirstRow) {
+    static constexpr Member members[] = {
+        pause(1),
+        handled("a", JsonType::any,
+                [](const Section& section, const cJSON*) {
+                    run_shell_format("a of %s", section.present->value[slot_device_name]);
+                    return true;
+                }),
+    };
+    reset_recorder();
+    set_rw_value("deviceName", "hall");
+    EXPECT_EQ(trace_of([](const cJSON* section) { apply_members_with_snapshot(section, members); },
+                       R"({"a":1})"),
+              snapshot_trace + "pause 1\nshell a of hall\n");
+}
+
 // --- What stops the build
 // --------------------------------------------------------------------------
 
 constexpr Word repeated_words[] = {{"a", 0}, {"b", 1}, {"a", 2}};
 constexpr Word textless_words[] = {{"a", 0}};
+
+template <typename Given>
+concept takes_handler = requires(Given handler) {
+    handled("k", JsonType::any, handler);
+};
 
 static_assert(!well_formed_row(number("k", "n %s")));
 static_assert(!well_formed_row(number("k", "n")));
@@ -345,8 +383,12 @@ static_assert(!well_formed_row(choice("k", repeated_words, "c %d")));
 static_assert(!well_formed_row(choice("k", Vocabulary(), "c %d")));
 static_assert(!well_formed_row(translated("k", textless_words, "c %s")));
 static_assert(!well_formed_row(word("k", algorithms, "c %d")));
+static_assert(!well_formed_row(chosen_text("k", timings, "c %d")));
+static_assert(!well_formed_row(chosen_text("k", algorithms, "c %s")));
+static_assert(!well_formed_row(of_section(always("fixed"))));
 static_assert(!well_formed_row(begins_with("k", "", "a", "b")));
-static_assert(!well_formed_row(handled("k", JsonType::any, nullptr)));
+static_assert(!well_formed_row(handled("k", JsonType::none, record_item)));
+static_assert(takes_handler<Handler> && !takes_handler<decltype(nullptr)>);
 static_assert(!well_formed_row(number_in_range("k", 2, 1, 0, "n %d")));
 static_assert(!well_formed_row(pause(0)));
 static_assert(!well_formed_row(always("line %s")));
