@@ -54,7 +54,7 @@ def less(counts, base):
     return [count - least for count, least in zip(counts, base, strict=True)]
 
 
-EXECUTED = re.compile(r'execve\("[^"]*", \[(.*)\], 0x[0-9a-f]+.*\) = 0$')
+EXECUTED = re.compile(r'execve\("[^"]*", \[(.*)\], 0x[0-9a-f]+.*\)\s+= 0$')
 STRING = re.compile(r'"((?:[^"\\]|\\.)*)"')
 
 
