@@ -1,11 +1,14 @@
 #include "cgi/dispatch.h"
 
+#include <cjson/cJSON.h>
+
 #include <cstdio>
 #include <cstring>
 
 #include "cgi/body.h"
 #include "cgi/pattern.h"
 #include "cgi/streams.h"
+#include "cgi/uploads.h"
 #include "device/unit.h"
 #include "unitconf/configuration.h"
 
@@ -70,31 +73,42 @@ static constexpr int handler_results = 6;
 
 struct UploadKind {
     Pattern pattern;  // the form field as a browser writes it
-    bool size_limited;
-    int (*handle)(const char* content);  // applies the content
-    Reply replies[handler_results];      // by the handler's result; any other result has no reply
+    bool size_limited = false;
+    int (*handle)(const char* content) = nullptr;  // applies the content
+    Reply replies[handler_results] = {};  // by the handler's result; any other has no reply
+    char* (*export_object)() = nullptr;   // instead of all that: the reply, without any content
 };
 
 // In the order in which they are looked for: the first pattern that stands anywhere in the request
 // decides.
 static constexpr UploadKind upload_kinds[] = {
-    {" name=\"Rs232CodeUpload\"", true, nullptr, {Reply::not_json, Reply::success}},
-    {" name=\"IRCodeUpload\"", true, nullptr, {Reply::not_json, Reply::success}},
-    {" name=\"UnitConfUpload\"",
-     false,
-     apply_unit_configuration,
-     {Reply::not_json, Reply::success, Reply::not_json, Reply::type_deleted, Reply::type_modified}},
-    {" name=\"TriggerCommandsUpload\"", false, nullptr, {Reply::not_json, Reply::success}},
-    {"name=getCaEncryptData", false, nullptr, {}},
-    {" name=\"VideoWallUpload\"",
-     true,
-     nullptr,
-     {Reply::not_json, Reply::success, Reply::not_json, Reply::out_of_range, Reply::error_node}},
-    {" name=\"CustomEdidFile\"",
-     true,
-     nullptr,
-     {Reply::not_json, Reply::success, Reply::not_json, Reply::out_of_range, Reply::error_node,
-      Reply::invalid_edid}},
+    {.pattern = " name=\"Rs232CodeUpload\"",
+     .size_limited = true,
+     .handle = store_rs232_list,
+     .replies = {Reply::not_json, Reply::success}},
+    {.pattern = " name=\"IRCodeUpload\"",
+     .size_limited = true,
+     .handle = store_ir_list,
+     .replies = {Reply::not_json, Reply::success}},
+    {.pattern = " name=\"UnitConfUpload\"",
+     .handle = apply_unit_configuration,
+     .replies = {Reply::not_json, Reply::success, Reply::not_json, Reply::type_deleted,
+                 Reply::type_modified}},
+    {.pattern = " name=\"TriggerCommandsUpload\"",
+     .handle = store_trigger_lists,
+     .replies = {Reply::not_json, Reply::success}},
+    // Neither blank nor quotes: it is also the query of a GET.
+    {.pattern = "name=getCaEncryptData", .export_object = export_certificates},
+    {.pattern = " name=\"VideoWallUpload\"",
+     .size_limited = true,
+     .handle = apply_video_wall_upload,
+     .replies = {Reply::not_json, Reply::success, Reply::not_json, Reply::out_of_range,
+                 Reply::error_node}},
+    {.pattern = " name=\"CustomEdidFile\"",
+     .size_limited = true,
+     .handle = load_custom_edid,
+     .replies = {Reply::not_json, Reply::success, Reply::not_json, Reply::out_of_range,
+                 Reply::error_node, Reply::invalid_edid}},
 };
 
 static_assert(same_anchor(upload_kinds));
@@ -112,35 +126,41 @@ static constexpr size_t size_limit = 512000;
 
 static char content_buffer[content_buffer_size];
 
-static Reply handle_content(const UploadKind& kind, Content content) {
+static Reply handle_upload(const UploadKind& kind, const char* request, size_t size) {
     const size_t most = kind.size_limited ? size_limit : content_buffer_size - 1;
+    const Content content = find_content(request, size, most);
+    if (content.begin == nullptr) {
+        return Reply::none;
+    }
     if (content.length > most) {
         return Reply::too_large;
     }
     memcpy(content_buffer, content.begin, content.length);
     content_buffer[content.length] = '\0';
-    if (kind.handle == nullptr) {
-        return Reply::none;
-    }
-    outlast_the_caller();
     const int result = kind.handle(content_buffer);
     return result >= 0 && result < handler_results ? kind.replies[result] : Reply::none;
 }
 
-static Reply handle_upload(const char* request, size_t size) {
-    const UploadKind* kind = find_first_row(request, size, upload_kinds).row;
-    if (kind == nullptr) {
-        return Reply::not_supported;
-    }
-    const Content content = find_content(request, size, content_buffer_size - 1);
-    return content.begin == nullptr ? Reply::none : handle_content(*kind, content);
-}
-
 void dispatch_upload(const char* request, size_t size) {
     const ReplyStream reply_stream = put_reply_aside();
+    outlast_the_caller();
     char mac[output_text_size] = {};
     read_command_output("astparam g ethaddr", mac);
-    const Reply reply = handle_upload(request, size);
+
+    const UploadKind* kind = find_first_row(request, size, upload_kinds).row;
+    Reply reply = Reply::not_supported;
+    char* exported = nullptr;
+    if (kind != nullptr && kind->export_object != nullptr) {
+        reply = Reply::none;
+        exported = kind->export_object();
+    } else if (kind != nullptr) {
+        reply = handle_upload(*kind, request, size);
+    }
+
     take_reply_up(reply_stream);
     print_reply(reply, mac);
+    if (exported != nullptr) {
+        printf("%s", exported);
+        cJSON_free(exported);
+    }
 }

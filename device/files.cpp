@@ -1,5 +1,8 @@
 #include <fcntl.h>
+#include <libgen.h>
+#include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -60,21 +63,102 @@ bool write_file(const char* path, const char* bytes, size_t size) {
     return true;
 }
 
-bool replace_file(const char* path, const char* bytes, size_t size) {
-    char temporary[1024];
-    const int length = snprintf(temporary, sizeof temporary, "%s.new", path);
-    if (length < 0 || static_cast<size_t>(length) >= sizeof temporary) {
+// --- Replacing a file as a whole
+// ------------------------------------------------------------------
+
+// The names that a replacement deals with. The new content gets a name of its own before it takes
+// over the file's: the same with a "~" for the last character, so that it fits wherever the file's
+// does, is no "*.json", and is found again by the next replacement when a power cut leaves it over.
+struct Replacement {
+    const char* path;
+    const char* temporary;
+    const char* folder;
+};
+
+// The new content, written and flushed, in a file that may have no name yet.
+static bool write_content(int descriptor, const char* path, const char* bytes, size_t size) {
+    struct stat present;
+    if (stat(path, &present) == 0 && fchmod(descriptor, present.st_mode & 07777) != 0) {
         return false;
     }
-    const int descriptor = open(temporary, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+    return write_all(descriptor, bytes, size) && fsync(descriptor) == 0;
+}
+
+static bool give_name(int descriptor, const char* name) {
+    char nameless[64];
+    snprintf(nameless, sizeof nameless, "/proc/self/fd/%d", descriptor);
+    return linkat(AT_FDCWD, nameless, AT_FDCWD, name, AT_SYMLINK_FOLLOW) == 0;
+}
+
+// Makes the temporary file with the whole content. Where the file system can, it has no name until
+// it is complete, so that nothing is left over however it ends before.
+static bool make_temporary(const Replacement& names, const char* bytes, size_t size) {
+    unlink(names.temporary);
+    int descriptor = open(names.folder, O_TMPFILE | O_WRONLY | O_CLOEXEC, 0666);
+    const bool nameless = descriptor >= 0;
+    if (!nameless) {
+        descriptor = open(names.temporary, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    }
     if (descriptor < 0) {
         return false;
     }
-    const bool flushed = write_all(descriptor, bytes, size) && fsync(descriptor) == 0;
-    const bool closed = close(descriptor) == 0;
-    if (!flushed || !closed || rename(temporary, path) != 0) {
-        unlink(temporary);
+    const bool made = write_content(descriptor, names.path, bytes, size) &&
+                      (!nameless || give_name(descriptor, names.temporary));
+    return close(descriptor) == 0 && made;
+}
+
+// One replacement in a folder at a time, so that two uploads of the same list do not get hold of
+// each other's temporary file.
+static bool replace_in_folder(const Replacement& names, const char* bytes, size_t size) {
+    const int folder = open(names.folder, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (folder < 0) {
         return false;
     }
-    return true;
+    while (flock(folder, LOCK_EX) != 0 && errno == EINTR) {
+    }
+    const bool replaced =
+        make_temporary(names, bytes, size) && rename(names.temporary, names.path) == 0;
+    if (!replaced) {
+        unlink(names.temporary);
+    }
+    fsync(folder);
+    close(folder);
+    return replaced;
+}
+
+static bool replace_here(const char* path, const char* bytes, size_t size) {
+    char* temporary = strdup(path);
+    char* folder = strdup(path);
+    bool replaced = false;
+    const size_t length = strlen(path);
+    if (temporary != nullptr && folder != nullptr && length > 0 && path[length - 1] != '~') {
+        temporary[length - 1] = '~';
+        replaced = replace_in_folder({path, temporary, dirname(folder)}, bytes, size);
+    }
+    free(temporary);
+    free(folder);
+    return replaced;
+}
+
+// A child does it, in a session of its own: when this program is killed, the child goes on to the
+// end.
+bool replace_file(const char* path, const char* bytes, size_t size) {
+    const pid_t child = fork();
+    if (child > 0) {
+        int status = 0;
+        while (waitpid(child, &status, 0) < 0) {
+            if (errno != EINTR) {
+                return false;
+            }
+        }
+        return status == 0;
+    }
+    if (child == 0) {
+        setsid();
+    }
+    const bool replaced = replace_here(path, bytes, size);
+    if (child == 0) {
+        _exit(replaced ? 0 : 1);
+    }
+    return replaced;
 }

@@ -50,7 +50,9 @@ int read_command_output(const char* command, char* out) {
 }
 
 void pause_seconds(unsigned seconds) {
-    timespec left = {static_cast<time_t>(seconds), 0};
+    // Not sleep: what it gives back after a signal is cut to whole seconds.
+    timespec left = {};
+    left.tv_sec = static_cast<time_t>(seconds);
     while (nanosleep(&left, &left) != 0 && errno == EINTR) {
     }
 }

@@ -39,7 +39,10 @@ bool file_exists(const char* path);
 bool write_file(const char* path, const char* bytes, size_t size);
 
 // Replaces the file as a whole: after a full disk, a power cut or the death of this program it
-// holds either all of `bytes` or what it held before. False when it keeps the old content.
+// holds either all of `bytes` or what it held before, flushed to the disk. An existing file keeps
+// its mode. No temporary file is left over, also when this program is killed; after a power cut one
+// may be (the same name with "~" for its last character), which the next replacement removes; a
+// path that itself ends in "~" is refused. False when the file keeps the old content.
 bool replace_file(const char* path, const char* bytes, size_t size);
 
 // Sends one command to the front-panel microcontroller and waits until its answer is complete, at

@@ -152,9 +152,9 @@ def main():
     if options.file:
         options.file = os.path.abspath(options.file)
     gateway = os.path.join(options.build, "models", options.model, "upload_gateway")
-    tool = os.path.join(options.build, "sim", "unit_tool")
+    tools = os.path.join(options.build, "sim")
     try:
-        with simulated_unit.start(options.model, gateway, tool, real_time=options.real_time,
+        with simulated_unit.start(options.model, gateway, tools, real_time=options.real_time,
                                   port=options.port) as unit:
             teller = Teller(unit, options.raw)
             if options.serve:

@@ -15,7 +15,6 @@ Start it from the main thread: the unit ends when the thread that started it doe
 
 import array
 import contextlib
-import glob
 import os
 import select
 import shutil
@@ -27,6 +26,7 @@ import time
 HERE = os.path.dirname(os.path.abspath(__file__))
 MODELS = ("ZAVO-ENC-U300-DA", "ZAVO-ENC-E100-DA", "ZAVO-DEC-D200-DA")
 CGI = "/www/cgi-bin/upload_gateway"
+CLOCK = "/sim/libfast_clock.so"
 TOOL_PATH = "/unit/extra:/unit/bin:/bin"
 
 # How much faster the gateway's clock runs. A pause of one second then takes a millisecond.
@@ -37,8 +37,9 @@ class UnitError(Exception):
     """The unit could not be started, or did not do in time what was waited for."""
 
 
-def default_unit_tool():
-    return os.path.join(os.path.dirname(HERE), "build", "sim", "unit_tool")
+def default_tools():
+    """Folder of the simulator's built programs."""
+    return os.path.join(os.path.dirname(HERE), "build", "sim")
 
 
 def _machine(path):
@@ -46,29 +47,6 @@ def _machine(path):
     with open(path, "rb") as file:
         head = file.read(20)
     return (head[4:6], head[18:20]) if head[:4] == b"\x7fELF" else _machine("/proc/self/exe")
-
-
-def find_faketime(program):
-    """Path of the library that makes a program's clock run fast, built for the program's processor;
-    None when it is not installed."""
-    for path in sorted(glob.glob("/usr/lib/*/faketime/libfaketime.so.1")):
-        if _machine(path) == _machine(program):
-            return path
-    return None
-
-
-class UnitError(Exception):
-    """The unit could not be started, or did not do in time what was waited for."""
-
-
-def default_unit_tool():
-    return os.path.join(os.path.dirname(HERE), "build", "sim", "unit_tool")
-
-
-def find_faketime():
-    """Path of the library that makes a program's clock run fast; None when it is not installed."""
-    found = glob.glob("/usr/lib/*/faketime/libfaketime.so.1")
-    return found[0] if found else None
 
 
 class Unit:
@@ -321,6 +299,7 @@ def _sandbox(options):
             (options["unit_tool"], "/sim/unit_tool"),
             (os.path.join(HERE, f"unit.{options['model']}.params"), "/sim/params"),
             (os.path.join(HERE, "lighttpd.conf"), "/sim/lighttpd.conf"),
+            *([(options["fast_clock"], CLOCK)] if options["fast_clock"] else []),
             (options["gateway"], CGI)):
         if not os.path.isfile(path):
             raise UnitError(f"{path} is missing")
@@ -328,37 +307,44 @@ def _sandbox(options):
     return command
 
 
-def _cgi_environment(gateway, real_time, preload):
+def _cgi_environment(gateway, fast_clock, preload):
+    """What the gateway finds in its environment, besides what the web server puts there."""
     libraries = list(preload)
-    environment = {"PATH": TOOL_PATH, "FAKETIME": "", "ASAN_OPTIONS": "", "LD_PRELOAD": ""}
-    if not real_time:
-        library = find_faketime(gateway)
-        if library is None:
-            raise UnitError("libfaketime is missing: install the package faketime or use real time")
-        libraries.append(library)
-        environment["FAKETIME"] = f"+0 x{FAST}"
-        # The preloaded clock stands before the sanitizer's own library, which would refuse that.
-        environment["ASAN_OPTIONS"] = "verify_asan_link_order=0"
-    environment["LD_PRELOAD"] = ":".join(libraries)
-    return environment
+    if fast_clock is not None:
+        if _machine(fast_clock) != _machine(gateway):
+            raise UnitError(f"{fast_clock} is built for another processor than {gateway}")
+        libraries.append(CLOCK)
+    return {
+        "PATH": TOOL_PATH,
+        "LD_PRELOAD": ":".join(libraries),
+        "FAST_CLOCK_SPEED": str(FAST),
+        # A preloaded library stands before the sanitizer's own, which would refuse that.
+        "ASAN_OPTIONS": "verify_asan_link_order=0",
+    }
 
 
-def start(model, gateway, unit_tool=None, real_time=False, port=0, user_data_bytes=0, preload=()):
+def start(model, gateway, tools=None, real_time=False, port=0, user_data_bytes=0, preload=(),
+          fast_clock=None):
     """Starts a unit of the given model with the given gateway program and returns it when it is up.
 
+    tools: folder with the built unit_tool and libfast_clock.so.
     real_time: the gateway's pauses take as long as on the appliance, not a thousandth of it.
     port: port of this machine's loopback for the web server; 0 takes a free one.
     user_data_bytes: size of /user_data2; 0 is no limit.
     preload: libraries to preload into the gateway only (before the clock).
+    fast_clock: the clock's library, where the gateway is built for another processor than `tools`.
     """
+    tools = os.path.realpath(tools or default_tools())
+    fast_clock = None if real_time else os.path.realpath(
+        fast_clock or os.path.join(tools, "libfast_clock.so"))
     busybox = shutil.which("busybox")
     for program in ("bwrap", "busybox", "/usr/sbin/lighttpd"):
         if shutil.which(program) is None:
             raise UnitError(f"{program} is missing: scripts/demo installs what the unit needs")
     command = _sandbox({"model": model, "gateway": os.fspath(gateway), "busybox": busybox,
-                        "unit_tool": os.fspath(unit_tool or default_unit_tool()),
+                        "unit_tool": os.path.join(tools, "unit_tool"), "fast_clock": fast_clock,
                         "user_data_bytes": user_data_bytes})
-    environment = _cgi_environment(gateway, real_time, preload)
+    environment = _cgi_environment(gateway, fast_clock, preload)
     ours, theirs = socket.socketpair(socket.AF_UNIX, socket.SOCK_SEQPACKET)
     listener = socket.socket()
     listener.setsockopt(socket.SOL_SOCKET, socket.SO_REUSEADDR, 1)

@@ -40,22 +40,30 @@ static void put_back_as_input(const std::string& script) {
 int run_shell(int argc, char** argv) {
     // Only the gateway's own clock runs fast.
     unsetenv("LD_PRELOAD");
-    const bool has_line = argc >= 3 && strcmp(argv[1], "-c") == 0;
+    int at = argc >= 3 && strcmp(argv[1], "-c") == 0 ? 2 : 0;
+    if (at == 2 && argc >= 4 && strcmp(argv[2], "--") == 0) {
+        at = 3;
+    }
+    if (at > 0 && strcmp(argv[at], "sh") == 0) {
+        // BusyBox would run a shell of its own behind the journal's back.
+        argc = 1;
+        argv[1] = nullptr;
+        at = 0;
+    }
     const bool has_script = argc == 1 || (argc == 2 && strcmp(argv[1], "-s") == 0);
     std::string script;
     if (has_script) {
         read_file("/proc/self/fd/0", script);
         put_back_as_input(script);
     }
-    if ((has_line || has_script) && !inside_a_line()) {
+    if ((at > 0 || has_script) && !inside_a_line()) {
         const pid_t gateway = getppid();
         wait_for_background_work(gateway);
         tell_microcontroller("drain");
         note_files(false);
         hold_settle_lock(gateway);
     }
-    if (has_line) {
-        const int at = argc >= 4 && strcmp(argv[2], "--") == 0 ? 3 : 2;
+    if (at > 0) {
         append_entry("line", escape_bytes(argv[at]));
     } else if (has_script) {
         append_entry("script", escape_bytes(script));

@@ -4,8 +4,8 @@
 namespace sim {
 
 // The unit's /bin/sh: journals the line it is given with -c (or the script on its standard input)
-// byte for byte and becomes BusyBox's shell, so that status, input, signals and background children
-// are that shell's own. Returns only when BusyBox cannot be run.
+// byte for byte ("sh -c sh" is a script, too) and becomes BusyBox's shell, so that status, input,
+// signals and background children are that shell's own. Returns only when BusyBox cannot be run.
 int run_shell(int argc, char** argv);
 
 // True when `name` is one of the appliance's tools; `status` is then what it exits with.

@@ -28,68 +28,68 @@ static constexpr int progress_total = 26;
 // ---------------------------
 
 static constexpr SectionRow usbc_encoder_sections[] = {
-    {"stream", "video", nullptr, Progress::none},
-    {"stream", "audio", nullptr, Progress::none},
-    {"stream", "preview", nullptr, Progress::with_parent},
+    {"stream", "video", apply_usbc_encoder_video_section, Progress::none},
+    {"stream", "audio", apply_usbc_encoder_audio_section, Progress::none},
+    {"stream", "preview", apply_preview_section, Progress::with_parent},
     {nullptr, nullptr, nullptr, Progress::always},
-    {nullptr, "edid", nullptr, Progress::always},
-    {nullptr, "hdcp", nullptr, Progress::always},
-    {nullptr, "usb_host", nullptr, Progress::always},
+    {nullptr, "edid", apply_usbc_encoder_edid_section, Progress::always},
+    {nullptr, "hdcp", apply_usbc_encoder_hdcp_section, Progress::always},
+    {nullptr, "usb_host", apply_usb_host_section, Progress::always},
 };
 
 static constexpr SectionRow hdmi_encoder_sections[] = {
-    {"stream", "video", nullptr, Progress::none},
-    {"stream", "audio", nullptr, Progress::none},
-    {"stream", "preview", nullptr, Progress::with_parent},
+    {"stream", "video", apply_hdmi_encoder_video_section, Progress::none},
+    {"stream", "audio", apply_hdmi_encoder_audio_section, Progress::none},
+    {"stream", "preview", apply_preview_section, Progress::with_parent},
     {nullptr, nullptr, nullptr, Progress::always},
-    {nullptr, "edid", nullptr, Progress::always},
-    {nullptr, "hdcp", nullptr, Progress::always},
-    {nullptr, "usb_host", nullptr, Progress::always},
+    {nullptr, "edid", apply_hdmi_encoder_edid_section, Progress::always},
+    {nullptr, "hdcp", apply_hdmi_encoder_hdcp_section, Progress::always},
+    {nullptr, "usb_host", apply_usb_host_section, Progress::always},
 };
 
 static constexpr SectionRow decoder_sections[] = {
-    {"stream", "video", nullptr, Progress::none},
-    {"stream", "audio", nullptr, Progress::none},
-    {"stream", "preview", nullptr, Progress::with_parent},
+    {"stream", "video", apply_decoder_video_section, Progress::none},
+    {"stream", "audio", apply_decoder_audio_section, Progress::none},
+    {"stream", "preview", apply_preview_section, Progress::with_parent},
     {nullptr, nullptr, nullptr, Progress::always},
-    {nullptr, "edid", nullptr, Progress::always},
-    {nullptr, "hdcp", nullptr, Progress::always},
-    {nullptr, "no_stream_image", nullptr, Progress::always},
-    {nullptr, "power_on_image", nullptr, Progress::always},
-    {nullptr, "osd", nullptr, Progress::always},
-    {nullptr, "video_wall", nullptr, Progress::always},
+    {nullptr, "edid", apply_decoder_edid_section, Progress::always},
+    {nullptr, "hdcp", apply_decoder_hdcp_section, Progress::always},
+    {nullptr, "no_stream_image", apply_no_stream_image_section, Progress::always},
+    {nullptr, "power_on_image", apply_power_on_image_section, Progress::always},
+    {nullptr, "osd", apply_osd_section, Progress::always},
+    {nullptr, "video_wall", apply_video_wall_section, Progress::always},
 };
 
 // Shared by all models, before and after the place of the decoder's routing.
 static constexpr SectionRow time_and_dante_sections[] = {
-    {nullptr, "aes67", nullptr, Progress::always},
-    {nullptr, "date_and_time", nullptr, Progress::always},
-    {nullptr, "dante", nullptr, Progress::always},
+    {nullptr, "aes67", apply_aes67_section, Progress::always},
+    {nullptr, "date_and_time", apply_date_and_time_section, Progress::always},
+    {nullptr, "dante", apply_dante_section, Progress::always},
 };
 
 static constexpr SectionRow decoder_routing_sections[] = {
-    {nullptr, "routing", nullptr, Progress::always},
+    {nullptr, "routing", apply_routing_section, Progress::always},
 };
 
 static constexpr SectionRow control_and_service_sections[] = {
-    {nullptr, "oled_display", nullptr, Progress::always},
-    {nullptr, "auto_status", nullptr, Progress::always},
-    {nullptr, "fan_control", nullptr, Progress::always},
-    {nullptr, "serial", nullptr, Progress::always},
-    {nullptr, "ir", nullptr, Progress::always},
-    {nullptr, "trigger", nullptr, Progress::always},
-    {nullptr, "network", nullptr, Progress::always},
-    {nullptr, "aes256", nullptr, Progress::always},
-    {nullptr, "snmp", nullptr, Progress::always},
-    {nullptr, "mqtt", nullptr, Progress::always},
-    {nullptr, "https", nullptr, Progress::always},
-    {nullptr, "ldap", nullptr, Progress::always},
-    {nullptr, "auth_8021x", nullptr, Progress::always},
-    {nullptr, "front_panel_lock", nullptr, Progress::always},
-    {nullptr, "usb_devices", nullptr, Progress::always},
-    {nullptr, "debug", nullptr, Progress::always},
-    {nullptr, "ssh", nullptr, Progress::always},
-    {nullptr, "power", nullptr, Progress::always},
+    {nullptr, "oled_display", apply_oled_display_section, Progress::always},
+    {nullptr, "auto_status", apply_auto_status_section, Progress::always},
+    {nullptr, "fan_control", apply_fan_control_section, Progress::always},
+    {nullptr, "serial", apply_serial_section, Progress::always},
+    {nullptr, "ir", apply_ir_section, Progress::always},
+    {nullptr, "trigger", apply_trigger_section, Progress::always},
+    {nullptr, "network", apply_network_section, Progress::always},
+    {nullptr, "aes256", apply_aes256_section, Progress::always},
+    {nullptr, "snmp", apply_snmp_section, Progress::always},
+    {nullptr, "mqtt", apply_mqtt_section, Progress::always},
+    {nullptr, "https", apply_https_section, Progress::always},
+    {nullptr, "ldap", apply_ldap_section, Progress::always},
+    {nullptr, "auth_8021x", apply_8021x_section, Progress::always},
+    {nullptr, "front_panel_lock", apply_front_panel_lock_section, Progress::always},
+    {nullptr, "usb_devices", apply_usb_devices_section, Progress::always},
+    {nullptr, "debug", apply_debug_section, Progress::always},
+    {nullptr, "ssh", apply_ssh_section, Progress::always},
+    {nullptr, "power", apply_power_section, Progress::always},
 };
 
 // A run of sections; a model is a few of them, one behind the other.
@@ -145,7 +145,7 @@ void report_progress(int step, int total) {
 }
 
 static void apply_if_present(const cJSON* item, void (*apply)(const cJSON* section)) {
-    if (item != nullptr && apply != nullptr) {
+    if (item != nullptr) {
         apply(item);
     }
 }

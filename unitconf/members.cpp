@@ -131,6 +131,11 @@ static bool apply_member(const Section& section, const Member& row, const cJSON*
             return send_number_list(row.line, item);
         case Kind::handled:
             return row.handler(section, item);
+        case Kind::object_only:
+            if (!cJSON_IsObject(item)) {
+                return false;
+            }
+            [[fallthrough]];
         case Kind::object:
             apply_member_rows({section.whole, item, section.present}, row.members,
                               row.member_count);

@@ -107,9 +107,10 @@ enum class Kind : unsigned char {
     number_list,        // array: the line with its numbers as a list
     handled,            // any type, looked at by the handler
     object,             // the member's own members, when it is there
+    object_only,        // the same, but only when it is an object
     always,             // no member: a fixed line
     pause,              // no member: only the pause
-    ignored,            // looked up and accepted, never applied
+    ignored,            // looked up and accepted, never applied by itself
 };
 
 // What a document must hold for the row to send something.
@@ -306,6 +307,14 @@ constexpr Member object(const char* key, const Member (&members)[count], Pauses 
             .pauses = pauses};
 }
 
+// The same, but a member of another type counts as absent: what its table does always is not done.
+template <size_t count>
+constexpr Member object_only(const char* key, const Member (&members)[count], Pauses pauses = {}) {
+    Member row = object(key, members, pauses);
+    row.kind = Kind::object_only;
+    return row;
+}
+
 // A line that is run whatever the section holds.
 constexpr Member always(Line line, Pauses pauses = {}) {
     return {.kind = Kind::always, .line = line, .pauses = pauses};
@@ -360,6 +369,15 @@ constexpr Member not_empty(Member row) {
 constexpr Member together_with(const char* partner, bool partner_exact_case, Member row) {
     row.partner = partner;
     row.partner_exact_case = partner_exact_case;
+    return row;
+}
+
+// A member without a line of its own: the row of `partner` reads it and says what becomes of it.
+// The row is there so that the table names every member.
+constexpr Member read_with(const char* partner, bool partner_exact_case, const char* key,
+                           JsonType type, Vocabulary words = {}) {
+    Member row = together_with(partner, partner_exact_case, ignored(key, type));
+    row.words = words;
     return row;
 }
 
@@ -459,6 +477,7 @@ constexpr bool well_formed_row(const Member& row) {
         case Kind::handled:
             return row.type != JsonType::none;
         case Kind::object:
+        case Kind::object_only:
             return row.member_count > 0;
         case Kind::always:
             return holds_only(row.line, '\0') && row.type == JsonType::none;

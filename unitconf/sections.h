@@ -51,22 +51,53 @@ void apply_usbc_encoder_hdcp_section(const cJSON* section);
 void apply_hdmi_encoder_hdcp_section(const cJSON* section);
 void apply_decoder_hdcp_section(const cJSON* section);
 
-// images_routing_preview.cpp: the decoder's pictures and routing, and every model's
-// "stream"."preview".
+// images_routing_preview.cpp
+
+// Whether the decoder shows a picture while no stream arrives. Takes 1 second.
 void apply_no_stream_image_section(const cJSON* section);
+
+// Whether the decoder shows a picture when it starts, and for how long: the number is stored as
+// given, without limits.
 void apply_power_on_image_section(const cJSON* section);
+
+// Connects the decoder to the units that it receives video, audio, USB and keyboard/mouse from,
+// each in 3 seconds; a route that is not a text with at least one character is left as it is.
 void apply_routing_section(const cJSON* section);
+
+// The preview stream of every model: its resolution ("1280x720"), its frame rate and whether it is
+// on, each in 1 second. What the section does not give is taken from the present options, which
+// are read for each of them anew; fields that these lack stay empty.
 void apply_preview_section(const cJSON* section);
 
-// usb.cpp: "usb_devices" of every model and "usb_host" of the encoders.
+// usb.cpp
+
+// USB power, following the video's route, the green list of units that may connect, and mouse
+// roaming, on every model. Takes 2 seconds, and 1 more each for "usb_km_enable" and a green list.
+// The green list holds at most 30 bytes for each of its elements and for its first line; the rest
+// is cut off.
 void apply_usb_devices_section(const cJSON* section);
+
+// Whether the encoder's USB host port may be used, and the input that it follows; an unknown input
+// is sent as -1. Takes 2 seconds, and 1 more to switch the port.
 void apply_usb_host_section(const cJSON* section);
 
-// osd_video_wall.cpp: the decoder's "osd" and "video_wall".
+// osd_video_wall.cpp
+
+// The decoder's on-screen display: its text, place, font, colours and how long it stays.
+// Numbers are stored without limits, an unknown place as -1.
 void apply_osd_section(const cJSON* section);
+
+// The decoder's place in a wall of at most 19 by 19 displays, what of the picture it shows and its
+// bezels, then whether it takes part, which is what the displays change with (1 to 3 seconds).
+// Sizes and positions outside the limits are skipped by themselves.
 void apply_video_wall_section(const cJSON* section);
 
 // dante.cpp
+
+// The names of the Dante device and its channels, its transmitter, its bridge to the stream audio,
+// and the add-on mode of the unit. The mode is set by every section: one that asks for neither kind
+// of add-on, whatever its JSON type, switches the add-on off. A channel name that is too long for
+// Dante is stored and not sent. Takes at least 6 seconds, and 3 more for each name sent to Dante.
 void apply_dante_section(const cJSON* section);
 
 // services/serial.cpp, services/ir_trigger.cpp
@@ -99,21 +130,60 @@ void apply_trigger_section(const cJSON* section);
 // whatever the section holds.
 void apply_network_section(const cJSON* section);
 
-// services/security.cpp
+// services/security.cpp. Nothing here pauses, no value is compared with the present one or limited
+// to a range, and passwords and keys are stored as the document has them.
+
+// "aes256": switches stream encryption, sets its strength in the present video engine option and
+// stores the custom key. A number that names no strength runs an empty line.
 void apply_aes256_section(const cJSON* section);
+
+// "snmp": access, system texts, versions 1 to 3 and traps of the SNMP service.
 void apply_snmp_section(const cJSON* section);
+
+// "mqtt": the unit's MQTT client. Certificates that came are decrypted into their files; the
+// install script is started in the background in any case.
 void apply_mqtt_section(const cJSON* section);
+
+// "https": the web interface's HTTPS. The install script is started in the background only when a
+// certificate came.
 void apply_https_section(const cJSON* section);
+
+// "ldap": the directory that log-ins are checked against. The install script is started in the
+// background in any case.
 void apply_ldap_section(const cJSON* section);
+
+// "auth_8021x": the IEEE 802.1X authentication of the network ports "lan1" and "lan2". A port's
+// install script is run whenever the port is an object, an empty one too.
 void apply_8021x_section(const cJSON* section);
 
-// services/panel_system.cpp
+// services/panel_system.cpp. No value is compared with the present one or limited to a range.
+
+// "oled_display": what the front panel's display shows. Always redraws it; four pauses of 1 second.
 void apply_oled_display_section(const cJSON* section);
+
+// "auto_status": the periodic status report: where to and how often. The service is always told to
+// take its settings anew; then a pause of 1 second.
 void apply_auto_status_section(const cJSON* section);
+
+// "fan_control": sets the fan to a level of 0 to 6 (6 is automatic); a level above stops it. A fan
+// that is switched off keeps the level to go back to. Two pauses of 1 second.
 void apply_fan_control_section(const cJSON* section);
+
+// "front_panel_lock": a boolean, locks or unlocks the front-panel keys. Two pauses of 1 second,
+// whatever its type.
 void apply_front_panel_lock_section(const cJSON* section);
+
+// "aes67": reserved; changes nothing.
 void apply_aes67_section(const cJSON* section);
+
+// "date_and_time": NTP servers, time zone, daylight saving and the clock's format. No pauses.
 void apply_date_and_time_section(const cJSON* section);
+
+// "debug": the command log and the debug log. No pauses.
 void apply_debug_section(const cJSON* section);
+
+// "ssh": the SSH service and its account. No pauses.
 void apply_ssh_section(const cJSON* section);
+
+// "power": sends the wanted power state to the microcontroller. Two pauses of 1 second.
 void apply_power_section(const cJSON* section);

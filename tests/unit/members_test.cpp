@@ -53,6 +53,7 @@ constexpr Member kinds[] = {
     number_list("k", "l \"%s\"", both),
     handled("k", JsonType::any, record_item, both),
     object("k", inner_members, both),
+    object_only("k", inner_members, both),
     always("fixed;", both),
     pause(2),
     ignored("k", JsonType::any, pause_always(1)),
@@ -153,6 +154,7 @@ const std::map<Kind, std::map<std::string, std::string>> expected_lines = {
       {"[4,-5]", "pause 4\n"},
       {"{}", "pause 4\n"},
       {"{\"on\":true}", "pause 4\nshell inner 1\n"}}},
+    {Kind::object_only, {{"{}", "pause 4\n"}, {"{\"on\":true}", "pause 4\nshell inner 1\n"}}},
 };
 
 TEST(MemberRows, EachKindTakesItsJsonTypesAndPausesBehindThem) {
@@ -289,6 +291,15 @@ TEST(MemberRows, AMemberThatNeedsAPartnerKeepsItsPauseWithoutIt) {
     EXPECT_EQ(apply_row_to(row, R"({"k":"a"})"), "pause 1\n");
     const Member loose = together_with("p", false, any_text("k", "t %s"));
     EXPECT_EQ(apply_row_to(loose, R"({"k":"a","P":true})"), "shell t a\n");
+}
+
+TEST(MemberRows, AMemberThatAnotherRowReadsSendsNothingItself) {
+    const Member row = read_with("p", true, "k", JsonType::string, speeds);
+    EXPECT_TRUE(well_formed_row(row));
+    EXPECT_EQ(row.words.count, 3U);
+    for (const char* document : {R"({"k":"low","p":true})", R"({"k":"low"})", R"({"k":1,"p":1})"}) {
+        EXPECT_EQ(apply_row_to(row, document), "") << document;
+    }
 }
 
 TEST(MemberRows, ADisplacedMemberCountsOnlyWithoutTheOtherObject) {

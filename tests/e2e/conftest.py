@@ -1,0 +1,213 @@
+"""What the end-to-end tests share: simulated units, curl, replies and journals.
+
+A test of a section is a document and the journal that it must give:
+
+    def test_SshPortIsStored(e100):
+        assert_told(e100, {"ssh": {"port": 22}}, '''
+            progress 1-23
+            line astparam s ssh_port 22;
+            progress 24-25
+        ''')
+
+Environment: GATEWAY_BUILD_DIR, folder with models/<MODEL>/upload_gateway and sim/ (default: build);
+SIM_BUILD_DIR, folder with unit_tool and libfast_clock.so where it is not $GATEWAY_BUILD_DIR/sim;
+GATEWAY_PRELOAD, libraries to preload into the gateway, separated by colons.
+"""
+
+import dataclasses
+import json
+import os
+import re
+import subprocess
+import sys
+import textwrap
+
+import pytest
+
+REPOSITORY = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
+sys.path.insert(0, os.path.join(REPOSITORY, "sim"))
+import simulated_unit  # noqa: E402
+
+U300, E100, D200 = simulated_unit.MODELS
+HEADERS = b"HTTP/1.1 200 OK\r\nContent-Type: text/html\n\n"
+BUILD = os.path.join(REPOSITORY, os.environ.get("GATEWAY_BUILD_DIR", "build"))
+
+NOT_SUPPORTED = "The uploaded file is not in the supported list"
+TOO_LARGE = "more than 500kb"
+NOT_JSON = "The uploaded file format is not JSON"
+TYPE_DELETED = "Invalid file, do not delete the type field in the JSON data."
+TYPE_MODIFIED = "Invalid file, do not modify the type field in the JSON data."
+
+# What every request does to the unit before anything else, and all that a refused one does.
+MAC_READ = ["line astparam g ethaddr", "tool astparam g ethaddr"]
+
+
+def pytest_configure(config):
+    # Nothing is left in the source tree.
+    sys.dont_write_bytecode = True
+
+
+def start_unit(model, **options):
+    return simulated_unit.start(
+        model, os.path.join(BUILD, "models", model, "upload_gateway"),
+        tools=os.environ.get("SIM_BUILD_DIR", os.path.join(BUILD, "sim")),
+        preload=[one for one in os.environ.get("GATEWAY_PRELOAD", "").split(":") if one], **options)
+
+
+@pytest.fixture(scope="session")
+def running_units():
+    """One unit a model, started when first asked for."""
+    units = {}
+    yield units
+    for unit in units.values():
+        unit.stop()
+
+
+def _fresh(units, model):
+    if model not in units or not units[model].running():
+        units[model] = start_unit(model)
+    units[model].reset()
+    return units[model]
+
+
+@pytest.fixture
+def u300(running_units):
+    """A factory-fresh encoder with HDMI and USB-C inputs."""
+    return _fresh(running_units, U300)
+
+
+@pytest.fixture
+def e100(running_units):
+    """A factory-fresh encoder with an HDMI input."""
+    return _fresh(running_units, E100)
+
+
+@pytest.fixture
+def d200(running_units):
+    """A factory-fresh decoder."""
+    return _fresh(running_units, D200)
+
+
+@pytest.fixture(params=simulated_unit.MODELS)
+def any_unit(request, running_units):
+    """Each model in turn."""
+    return _fresh(running_units, request.param)
+
+
+# ---- requests ----
+
+@dataclasses.dataclass
+class Reply:
+    status: int
+    headers: bytes
+    body: bytes
+
+
+def curl(unit, *arguments, body=None, timeout=60):
+    """One request by the real curl. `body` is what "@-" in the arguments stands for."""
+    done = subprocess.run(
+        ["curl", "-sS", "-i", "--raw", "-H", "Expect:", "--max-time", str(timeout), *arguments],
+        input=body, capture_output=True, check=False)
+    assert done.returncode == 0, done.stderr.decode()
+    headers, _, content = done.stdout.partition(b"\r\n\r\n")
+    return Reply(int(headers.split()[1]), headers, content)
+
+
+def post(unit, content, field="UnitConfUpload", content_type="application/json"):
+    """Posts a file as a browser's form does. A document given as dict or list is written as JSON."""
+    return curl(unit, "-F", f"{field}=@-;filename=upload.json;type={content_type}", unit.url,
+                body=as_bytes(content))
+
+
+def post_body(unit, body):
+    """Posts these very bytes as the body of a form."""
+    return curl(unit, "-H", "Content-Type: multipart/form-data; boundary=----edge",
+                "--data-binary", "@-", unit.url, body=body)
+
+
+def as_bytes(content):
+    if isinstance(content, (dict, list)):
+        return json.dumps(content, ensure_ascii=False).encode()
+    return content.encode() if isinstance(content, str) else content
+
+
+def form(content, field="UnitConfUpload", content_type="application/json"):
+    """A form body as a browser writes it."""
+    return (b"------edge\r\nContent-Disposition: form-data; name=\"" + field.encode()
+            + b"\"; filename=\"upload.json\"\r\nContent-Type: " + content_type.encode()
+            + b"\r\n\r\n" + as_bytes(content) + b"\r\n------edge--\r\n")
+
+
+# ---- replies ----
+
+def success(unit):
+    """The whole body of the reply to an upload that was applied."""
+    mac = unit.parameter("ethaddr") or ""
+    return f'{{"command":"uploadConfFile","success":true,"mac":"{mac}"}}'.encode()
+
+
+def failure(unit, feedback):
+    """The whole body of the reply to an upload that was refused."""
+    mac = unit.parameter("ethaddr") or ""
+    return (f'{{"command":"uploadConfFile","success":false,"mac":"{mac}",'
+            f'"feedback":"{feedback}"}}').encode()
+
+
+def assert_refused(unit, reply, feedback):
+    """The reply is this refusal, and the unit is as it was."""
+    assert reply.body == failure(unit, feedback)
+    assert reply.status == 200
+    assert unit.journal() == MAC_READ
+
+
+# ---- journals ----
+
+PROGRESS = re.compile(r'line echo "upgradeUnitSetting:(\d+),26" \| nc 127\.0\.0\.1 4445')
+
+
+def told(unit, tools=False):
+    """What the unit was told, shortened without loss: a progress line with the message that came of
+    it reads "progress 7", several in a row "progress 7-12". Entries of tools are left out unless
+    asked for: the lines show them."""
+    entries, steps = [], []
+    journal = unit.journal()
+    at = 0
+
+    def end_steps():
+        if steps:
+            last = f"-{steps[-1]}" if len(steps) > 1 else ""
+            entries.append(f"progress {steps[0]}{last}")
+            steps.clear()
+
+    while at < len(journal):
+        entry = journal[at]
+        step = PROGRESS.fullmatch(entry)
+        if step and at + 1 < len(journal) and \
+                journal[at + 1] == f"status upgradeUnitSetting:{step[1]},26":
+            if steps and int(step[1]) != steps[-1] + 1:
+                end_steps()
+            steps.append(int(step[1]))
+            at += 2
+            continue
+        at += 1
+        if tools or not entry.startswith("tool "):
+            end_steps()
+            entries.append(entry)
+    end_steps()
+    return entries
+
+
+def told_text(text):
+    """The entries of an expected journal, one a line, however far it is indented."""
+    return textwrap.dedent(text).strip("\n").split("\n")
+
+
+def assert_told(unit, document, expected):
+    """Posts a unit configuration (its "model" may be left out) and compares the whole journal. What
+    all configurations have in common, the read of the MAC before and save and restart behind, is not
+    part of `expected`."""
+    reply = post(unit, {"model": unit.model, **document})
+    unit.wait_for("rebooted")
+    assert told(unit) == ["line astparam g ethaddr", *told_text(expected),
+                          "line astparam save;", "line e e_reboot &", "rebooted"]
+    assert reply.body == success(unit)
