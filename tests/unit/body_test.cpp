@@ -130,7 +130,4 @@ TEST(Body, ALongerContentIsKnownByItsLength) {
     }
 }
 
-// --- Finding a text
-// -------------------------------------------------------------------------------
-
 }  // namespace
