@@ -1,8 +1,9 @@
+#include <unistd.h>
+
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <ctime>
 
 #include "device/unit.h"
 
@@ -50,9 +51,14 @@ int read_command_output(const char* command, char* out) {
 }
 
 void pause_seconds(unsigned seconds) {
-    // Not sleep: what it gives back after a signal is cut to whole seconds.
-    timespec left = {};
-    left.tv_sec = static_cast<time_t>(seconds);
-    while (nanosleep(&left, &left) != 0 && errno == EINTR) {
+    // An interruption shows in errno: what sleep gives back is cut to whole seconds, so a second
+    // more makes up for the part that it does not tell.
+    for (;;) {
+        errno = 0;
+        const unsigned left = sleep(seconds);
+        if (errno != EINTR) {
+            return;
+        }
+        seconds = left < seconds ? left + 1 : seconds;
     }
 }

@@ -116,9 +116,12 @@ def post(unit, options, teller):
     print("$ " + shlex.join(command) + "\n", flush=True)
     begun = time.monotonic()
     with subprocess.Popen(command, stdout=subprocess.PIPE) as curl:
-        while curl.poll() is None:
-            teller.tell(unit.peek())
-            time.sleep(0.02)
+        try:
+            while curl.poll() is None:
+                teller.tell(unit.peek())
+                time.sleep(0.02)
+        finally:
+            curl.kill()
         reply = curl.stdout.read().decode(errors="replace")
     teller.tell(unit.journal())
     seconds = time.monotonic() - begun

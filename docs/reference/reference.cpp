@@ -1,7 +1,7 @@
-// Writes the reference of the unit configuration document (docs/unit-configuration.md) from the tables
-// that the program itself walks, so that it cannot drift: a test compares the file with what this
-// prints. What a table cannot tell, because a function does it, stands in notes.h; a member that needs
-// a note and has none is an error.
+// Writes the reference of the unit configuration document (docs/unit-configuration.md) from the
+// tables that the program itself walks, so that it cannot drift: a test compares the file with what
+// this prints. What a table cannot tell, because a function does it, stands in notes.h; a member
+// that needs a note and has none is an error.
 #include <cstdio>
 #include <cstring>
 #include <string>
@@ -40,9 +40,10 @@ std::string model_names(unsigned models) {
     return names;
 }
 
-const char* note_of(const char* section, const std::string& path) {
+const char* note_of(const SectionTable& table, const std::string& path) {
     for (const Note& note : notes) {
-        if (strcmp(note.section, section) == 0 && path == note.member) {
+        if (strcmp(note.section, table.section) == 0 && (note.models & table.models) != 0 &&
+            path == note.member) {
             return note.text;
         }
     }
@@ -139,7 +140,8 @@ std::string what_is_told(const Member& row) {
     return text;
 }
 
-std::string pauses_of(const Pauses& pauses) {
+std::string pauses_of(const Member& row) {
+    const Pauses& pauses = row.pauses;
     std::string text;
     if (pauses.when_sent > 0) {
         text = std::to_string(pauses.when_sent) + " when sent";
@@ -147,52 +149,59 @@ std::string pauses_of(const Pauses& pauses) {
     if (pauses.always > 0) {
         text += (text.empty() ? "" : ", then ") + std::to_string(pauses.always);
     }
+    if (row.member_count > 0 && !text.empty()) {
+        text += ", behind its members";
+    }
     return text;
 }
 
-void print_rows(const char* section, const std::string& path, const Member* rows, size_t count);
+void print_rows(const SectionTable& table, const std::string& path, const Member* rows,
+                size_t count);
 
-void print_row(const char* section, const std::string& path, const Member& row) {
+void print_row(const SectionTable& table, const std::string& path, const Member& row) {
     std::string name;
     std::string told = what_is_told(row);
     if (row.key != nullptr) {
         name = row.of_whole_section ? "" : path;
         name += (row.parent == nullptr ? "" : std::string(row.parent) + ".") + row.key;
-        const char* note = note_of(section, name);
+        const char* note = note_of(table, name);
         if (note != nullptr) {
             told += (told.empty() ? "" : "; ") + std::string(note);
         } else if (row.kind == Kind::handled) {
-            fprintf(stderr, "no note for %s %s\n", section, name.c_str());
+            fprintf(stderr, "no note for %s %s\n", table.section, name.c_str());
             note_missing = true;
         }
     }
-    const std::string shown = row.key != nullptr ? code(name) : told.empty() ? "" : "(always)";
+    const std::string shown = row.key != nullptr ? code(name) : "(always)";
     if (row.kind == Kind::object) {
         told += told.empty() ? "its members, when it is there:" : "";
+    } else if (row.kind == Kind::object_only) {
+        told += told.empty() ? "its members, when it is an object:" : "";
     }
     printf("| %s | %s%s | %s | %s | %s |\n", shown.c_str(), type_name(row.type),
-           row.key != nullptr && row.exact_case ? ", exact case" : "", words_and_limits(row).c_str(),
-           told.c_str(), pauses_of(row.pauses).c_str());
-    if (row.kind == Kind::object) {
-        print_rows(section, name + ".", row.members, row.member_count);
+           row.key != nullptr && row.exact_case ? ", exact case" : "",
+           words_and_limits(row).c_str(), told.c_str(), pauses_of(row).c_str());
+    if (row.members != nullptr) {
+        print_rows(table, name + ".", row.members, row.member_count);
     }
 }
 
-void print_rows(const char* section, const std::string& path, const Member* rows, size_t count) {
+void print_rows(const SectionTable& table, const std::string& path, const Member* rows,
+                size_t count) {
     for (size_t i = 0; i < count; i++) {
-        print_row(section, path, rows[i]);
+        print_row(table, path, rows[i]);
     }
 }
 
 void print_table(const SectionTable& table) {
     printf("\n### %s, %s\n\n", code(table.section).c_str(), model_names(table.models).c_str());
-    const char* about = note_of(table.section, "");
+    const char* about = note_of(table, "");
     if (about != nullptr) {
         printf("%s\n\n", about);
     }
     printf("| Member | Type | Words, limits | What the unit is told | Pause behind it (s) |\n");
     printf("|---|---|---|---|---|\n");
-    print_rows(table.section, "", table.rows, table.count);
+    print_rows(table, "", table.rows, table.count);
 }
 
 }  // namespace

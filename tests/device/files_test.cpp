@@ -135,17 +135,6 @@ TEST_F(Files, AReplacementThatFailsKeepsTheOldAndLeavesNothing) {
     EXPECT_EQ(names(), std::set<std::string>({"a"}));
 }
 
-TEST_F(Files, AFullDiskKeepsTheOldFile) {
-    if (!file_exists("/dev/full")) {
-        GTEST_SKIP() << "NOT TESTED: the host has no /dev/full";
-    }
-    provide("a", "old");
-    ASSERT_EQ(symlink("/dev/full", path("a.new").c_str()), 0);
-    EXPECT_FALSE(replace_file(path("a").c_str(), "new", 3));
-    EXPECT_EQ(content("a"), "old");
-    EXPECT_EQ(names(), std::set<std::string>({"a"}));
-}
-
 TEST_F(Files, ANameTooLongForItsTemporaryIsNotReplaced) {
     const std::string long_path = "/" + std::string(1100, 'x');
     EXPECT_FALSE(replace_file(long_path.c_str(), "new", 3));

@@ -285,6 +285,20 @@ def test_TheDemoFailsWhenTheUploadIsRefused(tmp_path):
     assert '"feedback":"The uploaded file format is not JSON"' in done.stdout
 
 
+@pytest.mark.parametrize("number", [signal.SIGINT, signal.SIGTERM])
+def test_TheDemoStopsInTheMiddleWhenItIsToldTo(number):
+    command = [sys.executable, "-B", os.path.join(REPOSITORY, "sim", "demo.py"), "--build", BUILD,
+               "--real-time"]
+    with subprocess.Popen(command, stdout=subprocess.PIPE, text=True) as running:
+        while "$ astparam g ethaddr" not in running.stdout.readline():
+            pass
+        begun = time.monotonic()
+        running.send_signal(number)
+        assert running.wait(20) == (130 if number == signal.SIGINT else 128 + number)
+        assert time.monotonic() - begun < 5
+        assert "Reply" not in running.stdout.read()
+
+
 def test_TheDemoServesUntilItIsToldToStop():
     command = [sys.executable, "-B", os.path.join(REPOSITORY, "sim", "demo.py"), "--build", BUILD, "--serve"]
     with subprocess.Popen(command, stdout=subprocess.PIPE, text=True) as served:
