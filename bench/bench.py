@@ -185,7 +185,7 @@ def clean_unit(model):
     for folder in ("/user_data2", "/share", "/var/tmp"):
         for name in os.listdir(folder):
             os.unlink(os.path.join(folder, name))
-    sandbox.write_dumps(*sandbox.present_values(effects.initial_parameters(model)))
+    sandbox.write_dumps(*effects.present_values(model))
 
 
 def fast_clock():
@@ -234,7 +234,7 @@ def replay_file(lines):
 
 
 def configuration_body(document):
-    return multipart(KINDS["unit configuration"][0], json.dumps(document, indent=2).encode())
+    return multipart(KINDS["unit configuration"][0], json.dumps(document).encode())
 
 
 def measure_configuration(measuring, model):
@@ -255,7 +255,7 @@ def count_effects(model, document):
     clean_unit(model)
     programs = executed(gateway_of(model), body)
     os.unlink(body)
-    counts = effects.traced(built(), model, document)
+    counts, = effects.traced(built(), model, [document])
     seen = shell_lines(programs)
     exchanges = sum(1 for line in seen if MCU_LINE.fullmatch(line))
     # The MAC is asked for as well, which the recorder does not see.
@@ -345,7 +345,7 @@ class Once(Measuring):
 def measure_growth(measuring):
     model = "ZAVO-ENC-U300-DA"
     gateway = gateway_of(model)
-    values = sandbox.present_values(effects.initial_parameters(model))
+    values = effects.present_values(model)
     field = KINDS["unit configuration"][0]
     clean_unit(model)
 
@@ -386,11 +386,12 @@ def measure_growth(measuring):
     sandbox.write_dumps(*values)
 
     def network(count):
-        vlans = [2 + number % 4000 for number in range(count)]
-        return {"model": model, "network": {"lan1": {"tagged_vlans": vlans}}}
+        vlans = [2 + number % 4000 for number in range(count // 4)]
+        port = {"tagged_vlans": vlans, "untagged_vlans": vlans}
+        return {"model": model, "network": {"lan1": port, "lan2": port}}
     growth(measuring, "VLAN list length", "VLANs",
            [(count, request(measuring, gateway, write_file(configuration_body(network(count)))))
-            for count in range(0, 20001, 4000)])
+            for count in range(0, 80001, 10000)])
 
     def green_list(count):
         units = [{"ipaddr": f"10.{20 + number // 62500}.{number // 250 % 250}.{number % 250}"}
@@ -398,7 +399,7 @@ def measure_growth(measuring):
         return {"model": model, "usb_devices": {"green_list": {"enable": True, "lists": units}}}
     growth(measuring, "Green list length", "units",
            [(count, request(measuring, gateway, write_file(configuration_body(green_list(count)))))
-            for count in range(0, 5001, 1000)])
+            for count in range(0, 20001, 2500)])
 
 
 # --- The whole --------------------------------------------------------------------------------------

@@ -5,7 +5,6 @@ import json
 import os
 import re
 import subprocess
-import tempfile
 
 REPOSITORY = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 MODELS = ("ZAVO-ENC-U300-DA", "ZAVO-ENC-E100-DA", "ZAVO-DEC-D200-DA")
@@ -30,24 +29,38 @@ def sections(model):
             yield key, {**bare, key: value}
 
 
-def initial_parameters(model):
-    """The file with the present values of a factory-fresh unit."""
-    return os.path.join(REPOSITORY, "sim", f"unit.{model}.params")
+def present_values(model):
+    """The entries "key=value" of a factory-fresh unit's run-time store and live store."""
+    stores = {}
+    entries = None
+    path = os.path.join(REPOSITORY, "sim", f"unit.{model}.params")
+    with open(path, encoding="utf-8") as file:
+        for line in file.read().split("\n"):
+            if line.startswith("["):
+                entries = stores.setdefault(line.strip("[]"), [])
+            elif "=" in line and not line.startswith("#"):
+                entries.append(line)
+    return stores["astparam"], stores["lmparam"]
 
 
-def traced(build, model, document):
-    """[shell lines, microcontroller commands, seconds of pauses] of a document, by the recorder. A
+def traced(build, model, documents):
+    """[shell lines, microcontroller commands, seconds of pauses] of each document, by the recorder. A
     value that is read is read by a shell line."""
-    with tempfile.NamedTemporaryFile("w", suffix=".json", encoding="utf-8") as file:
-        json.dump(document, file)
-        file.flush()
-        trace = subprocess.run(
-            [os.path.join(build, "bench", "trace_configuration"), model, file.name,
-             initial_parameters(model)],
-            stdout=subprocess.PIPE, check=True).stdout.decode("latin-1").split("\n")
-    kinds = [line.split(" ")[0] for line in trace]
-    pauses = [int(line.split(" ")[1]) for line in trace if re.fullmatch(r"pause \d+", line)]
-    return [kinds.count("shell") + kinds.count("read"), kinds.count("mcu"), sum(pauses)]
+    run_time, live = ([entry.split("=", 1) for entry in store] for store in present_values(model))
+    requests = "".join(json.dumps({"upload": "configuration", "model": model, "rw": run_time,
+                                   "lm": live, "text": json.dumps(document)}) + "\n"
+                       for document in documents)
+    printed = subprocess.run([os.path.join(build, "tests", "trace_tool")], input=requests.encode(),
+                             stdout=subprocess.PIPE, check=True).stdout
+    counts = []
+    for answer in map(json.loads, printed.decode().splitlines()):
+        if answer["result"] != 1:
+            raise ValueError(f"a document was refused: {answer}")
+        trace = answer["trace"].split("\n")
+        kinds = [line.split(" ")[0] for line in trace]
+        pauses = [int(line.split(" ")[1]) for line in trace if re.fullmatch(r"pause \d+", line)]
+        counts.append([kinds.count("shell") + kinds.count("read"), kinds.count("mcu"), sum(pauses)])
+    return counts
 
 
 def less(counts, base):

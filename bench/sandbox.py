@@ -60,19 +60,6 @@ def start_unit(program):
     raise RuntimeError("the unit does not listen")
 
 
-def present_values(path):
-    """The run-time store's and the live store's entries of a file of initial parameters."""
-    stores = {}
-    entries = None
-    with open(path, encoding="utf-8") as file:
-        for line in file.read().split("\n"):
-            if line.startswith("["):
-                entries = stores.setdefault(line.strip("[]"), [])
-            elif "=" in line and not line.startswith("#"):
-                entries.append(line)
-    return stores["astparam"], stores["lmparam"]
-
-
 def write_dumps(run_time, live):
     """The two dumps that snapshots of the present values are taken from."""
     with open("/dev/shm/rwparam", "wb") as file:

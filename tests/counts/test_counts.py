@@ -177,8 +177,8 @@ def documented_sections():
 
 @pytest.mark.parametrize("model", effects.MODELS)
 def test_every_section_starts_what_is_documented(model):
-    counts = {name: effects.traced(BUILD, model, document)
-              for name, document in effects.sections(model)}
+    names, documents = zip(*effects.sections(model), strict=True)
+    counts = dict(zip(names, effects.traced(BUILD, model, documents), strict=True))
     base = next(iter(counts.values()))
     found = {name: effects.less(one, base) if one is not base else base
              for name, one in counts.items()}
