@@ -298,12 +298,14 @@ def measure_start(measuring):
 
 
 def measure_size(measuring):
-    program = os.path.join(effects.REPOSITORY, "build-armhf", "upload_gateway")
-    if os.path.exists(program):
-        copy = "/tmp/stripped"
-        subprocess.run(["/usr/bin/arm-linux-gnueabihf-strip", "-o", copy, program], check=True)
-        measuring.bound("32-bit ARM program, stripped", os.path.getsize(copy) / KIB, None, "KB",
-                        SIZE_LIMIT / KIB)
+    for model in effects.MODELS:
+        program = os.path.join(effects.REPOSITORY, "build-armhf", "models", model,
+                               "upload_gateway")
+        if os.path.exists(program):
+            copy = "/tmp/stripped"
+            subprocess.run(["/usr/bin/arm-linux-gnueabihf-strip", "-o", copy, program], check=True)
+            measuring.bound(f"{model} program for 32-bit ARM, stripped",
+                            os.path.getsize(copy) / KIB, None, "KB", SIZE_LIMIT / KIB)
 
 
 # --- Growth -----------------------------------------------------------------------------------------

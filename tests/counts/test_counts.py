@@ -145,22 +145,24 @@ def test_the_program_needs_the_c_library_and_cjson_only(program):
     assert needed_libraries(os.path.join(BUILD, program)) == ["libc.so.6", "libcjson.so.1"]
 
 
-def arm_program():
-    path = os.path.join(effects.REPOSITORY, "build-armhf", "upload_gateway")
+@pytest.fixture(name="arm_program", params=effects.MODELS)
+def fixture_arm_program(request):
+    path = os.path.join(effects.REPOSITORY, "build-armhf", "models", request.param,
+                        "upload_gateway")
     if not os.path.exists(path):
         pytest.skip("not built for 32-bit ARM")
     return path
 
 
-def test_the_arm_program_needs_the_c_library_and_cjson_only():
+def test_the_arm_program_needs_the_c_library_and_cjson_only(arm_program):
     loader = "ld-linux-armhf.so.3"
-    libraries = [name for name in needed_libraries(arm_program()) if name != loader]
+    libraries = [name for name in needed_libraries(arm_program) if name != loader]
     assert libraries == ["libc.so.6", "libcjson.so.1"]
 
 
-def test_the_stripped_arm_program_takes_at_most_100_kb(tmp_path):
+def test_the_stripped_arm_program_takes_at_most_100_kb(arm_program, tmp_path):
     stripped = tmp_path / "stripped"
-    subprocess.run(["arm-linux-gnueabihf-strip", "-o", str(stripped), arm_program()], check=True)
+    subprocess.run(["arm-linux-gnueabihf-strip", "-o", str(stripped), arm_program], check=True)
     assert stripped.stat().st_size <= ARM_SIZE_LIMIT
 
 
