@@ -2,20 +2,12 @@
 
 #include <cstring>
 
-const char* find_text(const char* text, size_t length, const char* pattern) {
-    return static_cast<const char*>(memmem(text, length, pattern, strlen(pattern)));
-}
-
-// The position behind the first occurrence of `pattern`, or null.
-static const char* find_behind(const char* text, size_t length, const char* pattern) {
-    const char* found = find_text(text, length, pattern);
-    return found == nullptr ? nullptr : found + strlen(pattern);
-}
+#include "cgi/pattern.h"
 
 // A header that tells where the content starts: right behind it, or behind the header block.
 struct StartRule {
-    const char* header;  // the rule applies when this is found
-    const char* start;   // the content starts behind this; null: behind `header` itself
+    Pattern pattern;    // the rule applies when this is found
+    const char* start;  // the content starts behind this; null: behind the header itself
 };
 
 // The first rule whose header is found applies, also when it then finds no start. A part of the
@@ -29,29 +21,44 @@ static constexpr StartRule start_rules[] = {
     {"Content-Type:", "\r\n\r\n"},
     {"Content-Disposition: ", "\r\n\r\n"},
 };
+static_assert(same_anchor(start_rules));
 
-static const char* find_start(const char* text, size_t length) {
-    for (const StartRule& rule : start_rules) {
-        const char* behind_header = find_behind(text, length, rule.header);
-        if (behind_header != nullptr) {
-            return rule.start == nullptr ? behind_header : find_behind(text, length, rule.start);
-        }
+struct ContentEnd {
+    Pattern pattern;
+};
+
+static constexpr ContentEnd content_ends[] = {{"\r\n----"}};
+static_assert(same_anchor(content_ends));
+
+// The position behind the first occurrence of `wanted` before the first NUL, or null.
+static const char* find_behind(const char* text, size_t size, const char* wanted) {
+    const size_t wanted_length = strlen(wanted);
+    const char* found = static_cast<const char*>(memmem(text, size, wanted, wanted_length));
+    if (found == nullptr) {
+        return nullptr;
     }
-    return text;
+    const char* behind = found + wanted_length;
+    return memchr(text, '\0', static_cast<size_t>(behind - text)) == nullptr ? behind : nullptr;
 }
 
-Content find_content(const char* text, size_t length, size_t most) {
-    static constexpr char end[] = "\r\n----";
-    const char* begin = find_start(text, length);
+static const char* find_start(const char* text, size_t size) {
+    const Match<StartRule> header = find_first_row(text, size, start_rules);
+    if (header.row == nullptr) {
+        return text;
+    }
+    return header.row->start == nullptr ? header.place + header.row->pattern.length
+                                        : find_behind(text, size, header.row->start);
+}
+
+Content find_content(const char* text, size_t size, size_t most) {
+    const char* begin = find_start(text, size);
     if (begin == nullptr) {
         return {nullptr, 0};
     }
-    size_t left = length - static_cast<size_t>(begin - text);
     // An end that begins right behind the longest content still counts.
-    const size_t window = most + sizeof end - 1;
-    if (left > window) {
-        left = window;
-    }
-    const char* found = find_text(begin, left, end);
-    return {begin, found == nullptr ? left : static_cast<size_t>(found - begin)};
+    const size_t window = most + content_ends[0].pattern.length;
+    const size_t left = size - static_cast<size_t>(begin - text);
+    const size_t length = strnlen(begin, left < window ? left : window);
+    const char* end = walk_for_rows(begin, begin + length, content_ends).place;
+    return {begin, end == nullptr ? length : static_cast<size_t>(end - begin)};
 }

@@ -7,6 +7,7 @@
 #include "cgi/uploads.h"
 #include "device/lines.h"
 #include "device/unit.h"
+#include "unitconf/document.h"
 #include "unitconf/members.h"
 
 static constexpr size_t edid_digits = 512;
@@ -92,8 +93,6 @@ static int load_document(const cJSON* document) {
 }
 
 int load_custom_edid(const char* content) {
-    cJSON* document = cJSON_Parse(content);
-    const int result = document == nullptr ? 2 : load_document(document);
-    cJSON_Delete(document);
-    return result;
+    const cJSON* document = parse_document(content);
+    return document == nullptr ? 2 : load_document(document);
 }

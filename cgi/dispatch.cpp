@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "cgi/body.h"
+#include "cgi/pattern.h"
 #include "cgi/streams.h"
 #include "cgi/uploads.h"
 #include "device/unit.h"
@@ -69,7 +70,7 @@ static void print_reply(Reply reply, const char* mac) {
 static constexpr int handler_results = 6;
 
 struct UploadKind {
-    const char* pattern;  // the form field as a browser writes it
+    Pattern pattern;  // the form field as a browser writes it
     bool size_limited = false;
     int (*handle)(const char* content) = nullptr;  // applies the content
     Reply replies[handler_results] = {};  // by the handler's result; any other has no reply
@@ -108,13 +109,11 @@ static constexpr UploadKind upload_kinds[] = {
                  Reply::error_node, Reply::invalid_edid}},
 };
 
-static const UploadKind* recognise_upload(const char* request, size_t length) {
-    for (const UploadKind& kind : upload_kinds) {
-        if (find_text(request, length, kind.pattern) != nullptr) {
-            return &kind;
-        }
-    }
-    return nullptr;
+static_assert(same_anchor(upload_kinds));
+
+const char* recognised_field(const char* request, size_t size) {
+    const UploadKind* kind = find_first_row(request, size, upload_kinds).row;
+    return kind == nullptr ? nullptr : kind->pattern.text;
 }
 
 // --- The dispatch --------------------------------------------------------------------------------
@@ -124,8 +123,12 @@ static constexpr size_t size_limit = 512000;
 
 static char content_buffer[content_buffer_size];
 
-static Reply handle_content(const UploadKind& kind, Content content) {
+static Reply handle_upload(const UploadKind& kind, const char* request, size_t size) {
     const size_t most = kind.size_limited ? size_limit : content_buffer_size - 1;
+    const Content content = find_content(request, size, most);
+    if (content.begin == nullptr) {
+        return Reply::none;
+    }
     if (content.length > most) {
         return Reply::too_large;
     }
@@ -135,26 +138,20 @@ static Reply handle_content(const UploadKind& kind, Content content) {
     return result >= 0 && result < handler_results ? kind.replies[result] : Reply::none;
 }
 
-static Reply handle_upload(const UploadKind& kind, const char* request, size_t length) {
-    const Content content = find_content(request, length, content_buffer_size - 1);
-    return content.begin == nullptr ? Reply::none : handle_content(kind, content);
-}
-
-void dispatch_upload(const char* request) {
+void dispatch_upload(const char* request, size_t size) {
     const ReplyStream reply_stream = put_reply_aside();
     outlast_the_caller();
     char mac[output_text_size] = {};
     read_command_output("astparam g ethaddr", mac);
 
-    const size_t length = strlen(request);
-    const UploadKind* kind = recognise_upload(request, length);
+    const UploadKind* kind = find_first_row(request, size, upload_kinds).row;
     Reply reply = Reply::not_supported;
     char* exported = nullptr;
     if (kind != nullptr && kind->export_object != nullptr) {
         reply = Reply::none;
         exported = kind->export_object();
     } else if (kind != nullptr) {
-        reply = handle_upload(*kind, request, length);
+        reply = handle_upload(*kind, request, size);
     }
 
     take_reply_up(reply_stream);

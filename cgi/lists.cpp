@@ -10,6 +10,7 @@
 #include "device/list_text.h"
 #include "device/shell_echo.h"
 #include "device/unit.h"
+#include "unitconf/document.h"
 #include "unitconf/members.h"
 
 struct StoredList {
@@ -63,11 +64,8 @@ static void store_printed(const cJSON* item, const StoredList& list) {
 // --- RS-232 --------------------------------------------------------------------------------------
 
 int store_rs232_list(const char* content) {
-    cJSON* document = cJSON_Parse(content);
-    const cJSON* data = find_member(document, "data", false);
-    const bool usable = find_member(data, "setting", false) != nullptr;
-    cJSON_Delete(document);
-    if (!usable) {
+    const cJSON* data = find_member(parse_document(content), "data", false);
+    if (find_member(data, "setting", false) == nullptr) {
         return 0;
     }
     store_list(content, rs232_list);
@@ -93,10 +91,7 @@ static int store_ir_document(const cJSON* document, const char* content) {
 }
 
 int store_ir_list(const char* content) {
-    cJSON* document = cJSON_Parse(content);
-    const int result = store_ir_document(document, content);
-    cJSON_Delete(document);
-    return result;
+    return store_ir_document(parse_document(content), content);
 }
 
 // --- Triggers ------------------------------------------------------------------------------------
@@ -145,8 +140,5 @@ static int store_trigger_document(const cJSON* document) {
 }
 
 int store_trigger_lists(const char* content) {
-    cJSON* document = cJSON_Parse(content);
-    const int result = store_trigger_document(document);
-    cJSON_Delete(document);
-    return result;
+    return store_trigger_document(parse_document(content));
 }

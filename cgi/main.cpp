@@ -13,6 +13,7 @@ static constexpr size_t request_buffer_size = 0xA00000;
 // One less, so that the closing NUL always fits.
 static constexpr int32_t longest_request = request_buffer_size - 1;
 
+// A request takes memory only as far as its bytes reach.
 static char request_buffer[request_buffer_size];
 static int32_t request_length;
 
@@ -49,14 +50,14 @@ int main() {
     }
     if (strcasecmp(method, "POST") == 0) {
         read_body();
-        dispatch_upload(request_buffer);
+        dispatch_upload(request_buffer, static_cast<size_t>(request_length));
     } else if (strcasecmp(method, "GET") == 0) {
         const char* query = getenv("QUERY_STRING");
         if (query != nullptr) {
             const size_t length = strnlen(query, longest_request);
             memcpy(request_buffer, query, length);
             request_buffer[length] = '\0';
-            dispatch_upload(request_buffer);
+            dispatch_upload(request_buffer, length);
         }
     }
     return 0;

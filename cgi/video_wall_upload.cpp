@@ -11,6 +11,7 @@
 #include "device/lines.h"
 #include "device/parameters.h"
 #include "device/unit.h"
+#include "unitconf/document.h"
 #include "unitconf/members.h"
 
 enum WallResult : int {
@@ -200,8 +201,6 @@ static WallResult apply_document(const cJSON* document) {
 }
 
 int apply_video_wall_upload(const char* content) {
-    cJSON* document = cJSON_Parse(content);
-    const int result = document == nullptr ? wall_not_json : apply_document(document);
-    cJSON_Delete(document);
-    return result;
+    const cJSON* document = parse_document(content);
+    return document == nullptr ? wall_not_json : apply_document(document);
 }

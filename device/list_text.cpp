@@ -13,8 +13,8 @@ static bool is_dropped(char byte, LineBreaks line_breaks) {
 
 static size_t count_quotes(const char* text) {
     size_t count = 0;
-    for (const char* quote = strchr(text, '"'); quote != nullptr; quote = strchr(quote + 1, '"')) {
-        count++;
+    for (const char* at = text; *at != '\0'; at++) {
+        count += *at == '"' ? 1 : 0;
     }
     return count;
 }

@@ -13,22 +13,23 @@ static bool is_one_of(char byte, const char* list) {
 // --- The shell's double quotes -------------------------------------------------------------------
 
 bool only_the_shell_knows(const char* text) {
-    for (const char* at = text; *at != '\0'; at++) {
-        if (*at == '\\') {
-            at++;
-            if (*at == '\0') {
-                return true;
-            }
-        } else if (is_one_of(*at, "$`\"")) {
+    static constexpr char special[] = "\\$`\"";
+    for (const char* at = strpbrk(text, special); at != nullptr; at = strpbrk(at + 2, special)) {
+        if (at[0] != '\\' || at[1] == '\0') {
             return true;
         }
     }
     return false;
 }
 
+// The place from which on a text may change: its first backslash, or its end. Most lists have none.
+static char* first_change(char* text) {
+    return text + strcspn(text, "\\");
+}
+
 static void take_quotes_off(char* text) {
-    char* end = text;
-    for (const char* at = text; *at != '\0'; at++) {
+    char* end = first_change(text);
+    for (const char* at = end; *at != '\0'; at++) {
         if (at[0] == '\\' && at[1] == '\n') {
             at++;
             continue;
@@ -95,8 +96,8 @@ static const char* read_escape(const char* at, char* byte) {
 
 size_t interpret_echoed(char* text) {
     take_quotes_off(text);
-    char* end = text;
-    for (const char* at = text; *at != '\0';) {
+    char* end = first_change(text);
+    for (const char* at = end; *at != '\0';) {
         if (*at != '\\') {
             *end++ = *at++;
             continue;

@@ -50,7 +50,7 @@ static bool names_a_display(const char* copied) {
 // The empty text is sent as well.
 static constexpr Member copy_edid(Line line) {
     Member row = any_text("copy_edid", line, pause_always(1));
-    row.test = names_a_display;
+    row.own.test = names_a_display;
     return row;
 }
 

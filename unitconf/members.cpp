@@ -82,10 +82,11 @@ static bool apply_text(const Member& row, const char* value) {
     switch (row.kind) {
         case Kind::text:
         case Kind::any_text:
-            return (row.test == nullptr || row.test(value)) && send_value(row.line, value);
+            return (row.own.test == nullptr || row.own.test(value)) && send_value(row.line, value);
         case Kind::begins_with:
-            return send_plain(
-                strncmp(value, row.beginning, strlen(row.beginning)) == 0 ? row.line : row.other);
+            return send_plain(strncmp(value, row.own.beginning, strlen(row.own.beginning)) == 0
+                                  ? row.line
+                                  : row.other);
         default:
             break;
     }
@@ -130,14 +131,14 @@ static bool apply_member(const Section& section, const Member& row, const cJSON*
         case Kind::number_list:
             return send_number_list(row.line, item);
         case Kind::handled:
-            return row.handler(section, item);
+            return row.own.handler(section, item);
         case Kind::object_only:
             if (!cJSON_IsObject(item)) {
                 return false;
             }
             [[fallthrough]];
         case Kind::object:
-            apply_member_rows({section.whole, item, section.present}, row.members,
+            apply_member_rows({section.whole, item, section.present}, row.own.members,
                               row.member_count);
             return true;
         case Kind::always:

@@ -16,6 +16,7 @@
 
 #include <cjson/cJSON.h>
 
+#include <climits>
 #include <cstddef>
 
 #include "device/lines.h"
@@ -62,19 +63,19 @@ struct Vocabulary {
 // Seconds waited behind a row: first `when_sent` if the row sent something, then `always`. Each is
 // a pause of its own.
 struct Pauses {
-    unsigned when_sent = 0;
-    unsigned always = 0;
+    unsigned char when_sent = 0;
+    unsigned char always = 0;
 };
 
-constexpr Pauses pause_when_sent(unsigned seconds) {
+constexpr Pauses pause_when_sent(unsigned char seconds) {
     return {seconds, 0};
 }
 
-constexpr Pauses pause_always(unsigned seconds) {
+constexpr Pauses pause_always(unsigned char seconds) {
     return {0, seconds};
 }
 
-constexpr Pauses pause_when_sent_then_always(unsigned when_sent, unsigned always) {
+constexpr Pauses pause_when_sent_then_always(unsigned char when_sent, unsigned char always) {
     return {when_sent, always};
 }
 
@@ -125,31 +126,39 @@ enum class JsonType : unsigned char {
     any,
 };
 
+struct Member;
+
+// What only one kind of row has.
+union RowOwn {
+    const char* beginning = nullptr;  // begins_with: the text that chooses `line`
+    TextTest test;                    // text: what it must pass, or null
+    Handler handler;                  // handled
+    const Member* members;            // object: the table of its members
+};
+
+// A program holds some hundreds of these, so the fields are no wider than they need to be.
 struct Member {
     Kind kind = Kind::pause;
     JsonType type = JsonType::none;
-    bool exact_case = false;
-    bool not_empty = false;
-    bool of_whole_section = false;  // looked up in the section although the row is a part's
-    const char* parent = nullptr;   // the object that holds the key, when it is not the section
+    bool exact_case : 1 = false;
+    bool not_empty : 1 = false;
+    bool of_whole_section : 1 = false;  // looked up in the section although the row is a part's
+    bool partner_exact_case : 1 = false;
+    unsigned char member_count = 0;  // object: the length of `members`; 0 for every other kind
+    Pauses pauses = {};
+    short lowest = 0;   // number_in_range: the limits, compared unsigned, and what is
+    short highest = 0;  // added to the value that is sent
+    short offset = 0;
+    const char* parent = nullptr;  // the object that holds the key, when it is not the section
     const char* key = nullptr;
-    Line line = {};                   // for a flag: the line of true
-    Line other = {};                  // for a flag: the line of false
-    Line then = {};                   // run behind the line, when that was sent
-    const char* beginning = nullptr;  // begins_with: the text that chooses `line`
-    const char* partner = nullptr;    // the row counts only when this key is there as well
-    bool partner_exact_case = false;
+    Line line = {};                      // for a flag: the line of true
+    Line other = {};                     // for a flag: the line of false
+    Line then = {};                      // run behind the line, when that was sent
+    const char* partner = nullptr;       // the row counts only when this key is there as well
     const char* displaced_by = nullptr;  // the row counts only when the section as a whole holds no
                                          // object of this key
-    int lowest = 0;   // number_in_range: the limits, compared unsigned, and what is
-    int highest = 0;  // added to the value that is sent
-    int offset = 0;
     Vocabulary words = {};
-    TextTest test = nullptr;
-    Handler handler = nullptr;
-    const Member* members = nullptr;  // object: the table of its members
-    size_t member_count = 0;
-    Pauses pauses = {};
+    RowOwn own = {};
 };
 
 // --- The rows ------------------------------------------------------------------------------------
@@ -159,10 +168,10 @@ constexpr Member flag(const char* key, Line on, Line off, Pauses pauses = {}) {
     return {.kind = Kind::flag,
             .type = JsonType::boolean,
             .exact_case = true,
+            .pauses = pauses,
             .key = key,
             .line = on,
-            .other = off,
-            .pauses = pauses};
+            .other = off};
 }
 
 // A flag that sends an empty line when the member is there but not a boolean.
@@ -175,12 +184,12 @@ constexpr Member flag_or_empty(const char* key, Line on, Line off, Pauses pauses
 // A number of any value; `line` holds "%d".
 constexpr Member number(const char* key, Line line, Pauses pauses = {}) {
     return {
-        .kind = Kind::number, .type = JsonType::number, .key = key, .line = line, .pauses = pauses};
+        .kind = Kind::number, .type = JsonType::number, .pauses = pauses, .key = key, .line = line};
 }
 
 // A number from `lowest` to `highest`, sent with `offset` added.
-constexpr Member number_in_range(const char* key, int lowest, int highest, int offset, Line line,
-                                 Pauses pauses = {}) {
+constexpr Member number_in_range(const char* key, short lowest, short highest, short offset,
+                                 Line line, Pauses pauses = {}) {
     Member row = number(key, line, pauses);
     row.kind = Kind::number_in_range;
     row.lowest = lowest;
@@ -191,12 +200,14 @@ constexpr Member number_in_range(const char* key, int lowest, int highest, int o
 
 // A text that is not empty; `line` holds "%s" and takes it as it stands.
 constexpr Member text(const char* key, Line line, Pauses pauses = {}) {
-    return {.kind = Kind::text,
-            .type = JsonType::string,
-            .not_empty = true,
-            .key = key,
-            .line = line,
-            .pauses = pauses};
+    Member row = {.kind = Kind::text,
+                  .type = JsonType::string,
+                  .not_empty = true,
+                  .pauses = pauses,
+                  .key = key,
+                  .line = line};
+    row.own.test = nullptr;
+    return row;
 }
 
 // A text, the empty one included.
@@ -210,7 +221,7 @@ constexpr Member any_text(const char* key, Line line, Pauses pauses = {}) {
 // A text that is not empty and passes `test`.
 constexpr Member tested_text(const char* key, TextTest test, Line line, Pauses pauses = {}) {
     Member row = text(key, line, pauses);
-    row.test = test;
+    row.own.test = test;
     return row;
 }
 
@@ -218,10 +229,10 @@ constexpr Member tested_text(const char* key, TextTest test, Line line, Pauses p
 constexpr Member choice(const char* key, Vocabulary words, Line line, Pauses pauses = {}) {
     return {.kind = Kind::choice,
             .type = JsonType::number_or_string,
+            .pauses = pauses,
             .key = key,
             .line = line,
-            .words = words,
-            .pauses = pauses};
+            .words = words};
 }
 
 // One of the words, sent as its code; a number is no word.
@@ -258,13 +269,14 @@ constexpr Member chosen_text(const char* key, Vocabulary words, Line line, Pause
 // A text: `line` when it begins with `beginning`, `other` when it does not.
 constexpr Member begins_with(const char* key, const char* beginning, Line line, Line other,
                              Pauses pauses = {}) {
-    return {.kind = Kind::begins_with,
-            .type = JsonType::string,
-            .key = key,
-            .line = line,
-            .other = other,
-            .beginning = beginning,
-            .pauses = pauses};
+    Member row = {.kind = Kind::begins_with,
+                  .type = JsonType::string,
+                  .pauses = pauses,
+                  .key = key,
+                  .line = line,
+                  .other = other};
+    row.own.beginning = beginning;
+    return row;
 }
 
 // An array, the empty one too: `line` holds "%s" and takes its numbers as a list (see
@@ -272,21 +284,22 @@ constexpr Member begins_with(const char* key, const char* beginning, Line line, 
 constexpr Member number_list(const char* key, Line line, Pauses pauses = {}) {
     return {.kind = Kind::number_list,
             .type = JsonType::array,
+            .pauses = pauses,
             .key = key,
-            .line = line,
-            .pauses = pauses};
+            .line = line};
 }
 
 // A member of any type that `handler` applies; `type` and `words` say what it makes use of.
 constexpr Member handled(const char* key, JsonType type, Handler handler, Pauses pauses = {},
                          Vocabulary words = {}) {
-    return {.kind = Kind::handled,
-            .type = type,
-            .exact_case = type == JsonType::boolean,
-            .key = key,
-            .words = words,
-            .handler = handler,
-            .pauses = pauses};
+    Member row = {.kind = Kind::handled,
+                  .type = type,
+                  .exact_case = type == JsonType::boolean,
+                  .pauses = pauses,
+                  .key = key,
+                  .words = words};
+    row.own.handler = handler;
+    return row;
 }
 
 // There is no row without its handler. That is said here, as the check below cannot compare the
@@ -298,12 +311,14 @@ constexpr Member handled(const char* key, JsonType type, decltype(nullptr) no_ha
 // is taken in any case.
 template <size_t count>
 constexpr Member object(const char* key, const Member (&members)[count], Pauses pauses = {}) {
-    return {.kind = Kind::object,
-            .type = JsonType::object,
-            .key = key,
-            .members = members,
-            .member_count = count,
-            .pauses = pauses};
+    static_assert(count <= UCHAR_MAX);
+    Member row = {.kind = Kind::object,
+                  .type = JsonType::object,
+                  .member_count = count,
+                  .pauses = pauses,
+                  .key = key};
+    row.own.members = members;
+    return row;
 }
 
 // The same, but a member of another type counts as absent: what its table does always is not done.
@@ -316,17 +331,17 @@ constexpr Member object_only(const char* key, const Member (&members)[count], Pa
 
 // A line that is run whatever the section holds.
 constexpr Member always(Line line, Pauses pauses = {}) {
-    return {.kind = Kind::always, .line = line, .pauses = pauses};
+    return {.kind = Kind::always, .pauses = pauses, .line = line};
 }
 
 // A pause that is taken whatever the section holds.
-constexpr Member pause(unsigned seconds) {
+constexpr Member pause(unsigned char seconds) {
     return {.kind = Kind::pause, .pauses = pause_always(seconds)};
 }
 
 // A member that documents carry and that changes nothing.
 constexpr Member ignored(const char* key, JsonType type, Pauses pauses = {}) {
-    return {.kind = Kind::ignored, .type = type, .key = key, .pauses = pauses};
+    return {.kind = Kind::ignored, .type = type, .pauses = pauses, .key = key};
 }
 
 // --- What changes a row --------------------------------------------------------------------------
@@ -469,7 +484,7 @@ constexpr bool well_formed_row(const Member& row) {
         case Kind::chosen_text:
             return holds_only(row.line, 's') && well_formed_words(row.words, false);
         case Kind::begins_with:
-            return row.beginning != nullptr && row.beginning[0] != '\0' &&
+            return row.own.beginning != nullptr && row.own.beginning[0] != '\0' &&
                    holds_only(row.line, '\0') && holds_only(row.other, '\0');
         case Kind::handled:
             return row.type != JsonType::none;

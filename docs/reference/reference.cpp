@@ -95,9 +95,9 @@ std::string words_and_limits(const Member& row) {
             return std::to_string(row.lowest) + " to " + std::to_string(row.highest);
         case Kind::begins_with:
             return std::string(row.not_empty ? "not empty; " : "") + "begins with " +
-                   quoted(row.beginning) + ", or does not";
+                   quoted(row.own.beginning) + ", or does not";
         case Kind::text:
-            return row.test == nullptr ? "not empty" : "not empty, and valid";
+            return row.own.test == nullptr ? "not empty" : "not empty, and valid";
         case Kind::any_text:
             return row.not_empty ? "not empty" : "";
         case Kind::number_list:
@@ -186,8 +186,8 @@ void print_row(const SectionTable& table, const std::string& path, const Member&
     printf("| %s | %s%s | %s | %s | %s |\n", shown.c_str(), type_name(row.type),
            row.key != nullptr && row.exact_case ? ", exact case" : "",
            words_and_limits(row).c_str(), told.c_str(), pauses_of(row).c_str());
-    if (row.members != nullptr) {
-        print_rows(table, name + ".", row.members, row.member_count);
+    if (row.member_count > 0) {
+        print_rows(table, name + ".", row.own.members, row.member_count);
     }
 }
 

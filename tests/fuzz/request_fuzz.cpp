@@ -16,6 +16,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     set_lm_value("VW_VAR_VER", "1");
     set_lm_value("A_ADDON", "none");
     provide_file("/user_data2/LDAP_CAFile", "stored");
-    dispatch_upload(std::string(reinterpret_cast<const char*>(data), size).c_str());
+    dispatch_upload(reinterpret_cast<const char*>(data), size);
     return 0;
 }

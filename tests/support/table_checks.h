@@ -80,10 +80,10 @@ void for_each_member(const Member* rows, size_t count, std::vector<std::string> 
             continue;
         }
         check(rows[i], path);
-        if (rows[i].members != nullptr) {
+        if (rows[i].member_count > 0) {
             std::vector<std::string> inner = path;
             inner.emplace_back(rows[i].key);
-            for_each_member(rows[i].members, rows[i].member_count, inner, check);
+            for_each_member(rows[i].own.members, rows[i].member_count, inner, check);
         }
     }
 }
@@ -107,7 +107,7 @@ inline void expect_wrong_types_to_count_as_absent(Applier apply, const SectionTa
 inline void expect_only_booleans_to_need_exact_case(Applier apply, const SectionTable& table) {
     for_each_member(
         table.rows, table.count, {}, [&](const Member& row, const std::vector<std::string>& path) {
-            if (row.members != nullptr) {
+            if (row.member_count > 0) {
                 return;
             }
             const std::string value = usable_value(row);
@@ -117,7 +117,7 @@ inline void expect_only_booleans_to_need_exact_case(Applier apply, const Section
             EXPECT_EQ(fresh_trace_of(apply, upper),
                       row.type == JsonType::boolean ? absent : fresh_trace_of(apply, lower))
                 << upper;
-            if (row.handler == nullptr) {
+            if (row.kind != Kind::handled) {
                 EXPECT_NE(fresh_trace_of(apply, lower), absent) << lower;
             }
         });

@@ -128,15 +128,4 @@ TEST(Body, ALongerContentIsKnownByItsLength) {
     }
 }
 
-// --- Finding a text ------------------------------------------------------------------------------
-
-TEST(Body, ATextIsFoundAnywhereAndNotBeyondTheEnd) {
-    const std::string text = "abcabc";
-    EXPECT_EQ(find_text(text.data(), text.size(), "abc"), text.data());
-    EXPECT_EQ(find_text(text.data(), text.size(), "ca"), text.data() + 2);
-    EXPECT_EQ(find_text(text.data(), 5, "cabc"), nullptr);
-    EXPECT_EQ(find_text(text.data(), text.size(), "abcabcd"), nullptr);
-    EXPECT_EQ(find_text(text.data(), 0, "a"), nullptr);
-}
-
 }  // namespace

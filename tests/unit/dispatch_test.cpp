@@ -45,7 +45,7 @@ class Dispatch : public testing::Test {
 
 std::string reply_to(const std::string& request) {
     testing::internal::CaptureStdout();
-    dispatch_upload(request.c_str());
+    dispatch_upload(request.data(), request.size());
     return testing::internal::GetCapturedStdout();
 }
 
@@ -301,7 +301,7 @@ TEST_F(Dispatch, ALaterShorterContentHoldsNothingOfTheOneBefore) {
 TEST_F(Dispatch, WhatWasPrintedBeforeStandsBeforeTheReply) {
     testing::internal::CaptureStdout();
     printf("header\n\n");
-    dispatch_upload("x");
+    dispatch_upload("x", 1);
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "header\n\n" + not_supported);
 }
 

@@ -97,7 +97,7 @@ void expect_members(const cJSON* section, const cJSON* object, const Member* row
         const cJSON* item = cJSON_GetObjectItemCaseSensitive(holder, row.key);
         EXPECT_NE(item, nullptr) << path << "." << row.key;
         if (item != nullptr && row.member_count > 0) {
-            expect_members(section, item, row.members, row.member_count, path + "." + row.key);
+            expect_members(section, item, row.own.members, row.member_count, path + "." + row.key);
         }
     }
 }
