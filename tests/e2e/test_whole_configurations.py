@@ -208,7 +208,8 @@ def test_CertificatesArriveWholeInTheirWorkingFiles(u300, text_bytes):
     made = certificates(u300, text_bytes)
     document = security_document({name: text for name, (_, text) in made.items()})
     assert_told(u300, document, "\n".join(security_journal(made, lambda *names: [])))
-    assert {name: u300.read(f"/var/tmp/{name}") for name in made} ==         {name: content for name, (content, _) in made.items()}
+    assert {name: u300.read(f"/var/tmp/{name}") for name in made} == \
+        {name: content for name, (content, _) in made.items()}
 
 
 @pytest.mark.parametrize("text_bytes", [4096, 16384])
@@ -329,23 +330,25 @@ def test_ALongCustomEventIsStoredWholeByTheShellsOwnEcho(u300, length, kind):
         file /user_data2/trigger_custom_event_short.json {len(short)}
         progress 13-25
     ''')
-    assert u300.read("/user_data2/trigger_custom_event_long.json") ==         b"{TAGapieventTAG:TAGlongTAG,TAGcmdTAG:TAG" + b"x" * characters + b"TAG}"
+    assert u300.read("/user_data2/trigger_custom_event_long.json").decode() == text
+    assert u300.read("/user_data2/trigger_custom_event_short.json").decode() == short
 
 
 def test_ALongGreenListIsStoredWhole(u300):
     units = [f"10.{number >> 8}.{number & 255}.40" for number in range(10_000)]
     text = "USB_GREENLIST=y" + "".join(f"\\x0aIP:{unit}" for unit in units)
+    stored = "/user_data2/usb_greenlist.txt"
     content = "USB_GREENLIST=y" + "".join(f"\nIP:{unit}" for unit in units)
     assert len(text) > LONGEST_ARGUMENT
     assert_told(u300, {"usb_devices": {"green_list": {
         "enable": True, "lists": [{"ipaddr": unit} for unit in units]}}}, f'''
         progress 1-21
-        script echo -ne "{text}" > /user_data2/usb_greenlist.txt;cp /user_data2/usb_greenlist.txt /share/usb_greenlist.txt;
+        script echo -ne "{text}" > {stored};cp {stored} /share/usb_greenlist.txt;
         file /share/usb_greenlist.txt {len(content)}
-        file /user_data2/usb_greenlist.txt {len(content)}
+        file {stored} {len(content)}
         progress 22-25
     ''')
-    assert u300.read("/user_data2/usb_greenlist.txt").decode() == content
+    assert u300.read(stored).decode() == content
     assert u300.read("/share/usb_greenlist.txt").decode() == content
 
 
@@ -523,3 +526,47 @@ def test_AConfigurationReplacesUploadedListsAndTakesTheirWorkingCopiesAway(u300)
     assert user_data(u300) == {
         **lists, "/user_data2/trigger_custom_eventapi_event_hall_start_list.json":
         b"{TAGapieventTAG:TAGapi_event_hall_startTAG}"}
+
+
+# A quote, a backslash, a line feed, a tab, a byte of two and a slash, as JSON prints them.
+AWKWARD = 'say "on" C:\\dir\na\tb é /'
+PRINTED = 'say \\TAGon\\TAG C:\\\\dir\\na\\tb é /'
+
+
+def test_ListsThatTheGatewayWritesKeepTheirEscapes(u300):
+    text = f"{{TAGdataTAG:[TAG{PRINTED}TAG]}}".encode()
+    post(u300, {"model": u300.model, "ir": {"data": [AWKWARD]}, "trigger": {"trigger_lists": [
+        {"type": kind, "data": [AWKWARD]} for kind in ("power_on", "video_connect", "video_disconnect")]}})
+    u300.wait_for("rebooted")
+    assert user_data(u300) == {f"/user_data2/{name}": text for name in (
+        "ir_list.json", "trigger_poweron_event_list.json", "trigger_video_connect_event_list.json",
+        "trigger_video_disconnect_event_list.json")}
+
+
+def test_ACustomEventGoesThroughTheShellAndItsEcho(u300):
+    # The shell takes one of two backslashes away, and echo turns what is then an escape into its byte.
+    path = "/user_data2/trigger_custom_event_e.json"
+    stored = "{TAGapieventTAG:TAGeTAG,TAGcmdTAG:TAGsay \\TAGon\\TAG C:\\dir\na\tb é /TAG}".encode()
+    assert_told(u300, {"trigger": {"trigger_lists": [0, 0, 0, {
+        "type": "custom", "data": [{"apievent": "e", "cmd": AWKWARD}]}]}}, f'''
+        progress 1-12
+        line rm -rf /user_data2/trigger_custom_event_*
+        line echo -ne "{{TAGapieventTAG:TAGeTAG,TAGcmdTAG:TAG{PRINTED}TAG}}" > {path}
+        file {path} {len(stored)}
+        progress 13-25
+    ''')
+    assert u300.read(path) == stored
+
+
+def test_AStoredListThatHoldsTheLettersOfAQuoteIsLeftAlone(u300):
+    # "TAG" in a value reads back as a quote, and the list is JSON no more: the first pass stores it,
+    # the second cannot read it.
+    u300.write(RS232, b"")
+    section = {"setting": {"baud": 9600, "databit": 8, "parity": "none", "stopbit": 1, "ending": "null"},
+               "userdefined": [{"name": "TAG", "value": ""}]}
+    stored = (b"{TAGdataTAG:{TAGsettingTAG:{TAGbaudTAG:9600,TAGdatabitTAG:8,TAGparityTAG:TAGnTAG,"
+              b"TAGstopbitTAG:1,TAGtypeTAG:TAG1TAG,TAGendingTAG:TAGNULLTAG,TAGmode1TAG:true,"
+              b"TAGmode2TAG:false},TAGuserdefinedTAG:[{TAGnameTAG:TAGTAGTAG,TAGvalueTAG:TAGTAG}]}}")
+    line = serial_line(9600, "8n1")
+    assert_serial(u300, section, [line, *merged(len(stored)), line])
+    assert u300.read(RS232) == stored
