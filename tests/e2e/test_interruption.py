@@ -141,7 +141,7 @@ def test_AToolLeftInTheBackgroundDoesNotDelayTheClient(u300):
         os.kill(pid, signal.SIGKILL)
     assert reply.body == success(u300)
     assert len(running) == 1
-    assert seconds < 10
+    assert seconds < 5
 
 
 def test_TwoRequestsAtATimeAreBothAnswered(u300):
