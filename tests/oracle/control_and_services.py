@@ -186,10 +186,10 @@ class Unit:
         self.trace += "pause %d\n" % seconds
 
     def read(self, command):
-        """The last output line of a command; empty when it says that the value is not defined."""
+        """The last output line of a command; a command without an answer says that the value is not
+        defined, which leaves the reader's buffer empty."""
         self.trace += "read " + command + "\n"
-        answer = self.answers.get(command, "not defined")
-        return "" if len(answer) > 10 and "not defined" in answer else answer
+        return self.answers.get(command, "")
 
     def write(self, path, text):
         """Whether the file could be opened and was written."""

@@ -450,7 +450,7 @@ def random_answers(rng):
 
     def put(key, values):
         if rng.random() < 0.85:
-            odd = rng.choice(["not defined", "not define", "", "é"])
+            odd = rng.choice(["not define", "", "é"])
             answers["astparam g " + key] = rng.choice(values) if rng.random() < 0.93 else odd
 
     put("device_name_sync_enable", ["", "1", "0", "11", "110", "1101", "éé", "aé", "1,0,1,1"])
@@ -558,7 +558,7 @@ def random_custom_edid(rng):
     answers = {}
     for key in ("edid_set_u", "edid_set_h"):
         if rng.random() < 0.9:
-            answers["astparam g " + key] = rng.choice(["9", "9", "90", "1", "", "09", " 9", "not defined", "not define"])
+            answers["astparam g " + key] = rng.choice(["9", "9", "90", "1", "", "09", " 9", "not define"])
     return {"upload": "custom_edid", "model": "", "text": text, "answers": answers}
 
 
