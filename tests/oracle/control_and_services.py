@@ -325,7 +325,7 @@ def list_ending(unit):
     if len(content) < 10:
         return "null"
     ending = get(get(get(parse(content), "data"), "setting"), "ending")
-    return ending if is_text(ending) else "null"
+    return ending[:15] if is_text(ending) else "null"
 
 
 def apply_serial(unit, section):
@@ -333,8 +333,11 @@ def apply_serial(unit, section):
     setting = get(section, "setting")
     if setting is not MISSING or get(section, "userdefined") is not MISSING:
         present_ending = list_ending(unit)
-        fields = [field for field in unit.lm_value("S0_BAUDRATE").split("-") if field]
-        present_baud = fields[0] if fields else "9600"
+        # The port's value and the panel lock share a place in the snapshot; the live store is read
+        # last, so the lock's value is seen only when there is no live dump at all.
+        present = unit.lm_value("S0_BAUDRATE") if unit.lm else unit.rw_value("fplock")
+        fields = [field for field in present.split("-") if field]
+        present_baud = fields[0][:31] if fields else "9600"
         frame = fields[1] if len(fields) > 1 else "8n1"
 
         def line_value(key, limit, present):
@@ -1076,7 +1079,8 @@ def apply_video_wall(unit, document_text):
         columns = leading_integer(grid[1])
         if variant[:1] == "1" and not (1 <= rows <= 16 and 1 <= columns <= 16):
             return 3
-        enable = "e e_vw_enable_%d_%d_" % (rows - 1, columns - 1) + grid[2] + "_" + grid[3] + ";"
+        rows, columns = max(INT_MIN, rows - 1), max(INT_MIN, columns - 1)
+        enable = "e e_vw_enable_%d_%d_" % (rows, columns) + grid[2] + "_" + grid[3] + ";"
     unit.shell(
         enable
         + "e e_vw_moninfo_" + "_".join((view_width, outer_width, view_height, outer_height)) + ";"

@@ -274,7 +274,7 @@ SECTIONS = {
                 parity=words("none", "even", "odd", "mark", "space"),
                 stopbit=either(random_number, random_text, lambda rng: rng.choice([1, "2", ""])),
                 ending=words("null", "cr", "lf", "crlf"),
-                format=words("ascii", "hex", "hex-ascii", "asci", "ASCII"),
+                format=words("ascii", "hex", "hex-ascii", "asci", "ASCII", "a text that names ascii late"),
                 ip_tunnel=flag,
                 ip_ssh_tunnel=flag,
             )
@@ -421,7 +421,7 @@ def stored_serial_list(rng):
         parity=random_json,
         stopbit=random_json,
         type=random_json,
-        ending=words("NULL", "CR", "LF", "CRLF", "cr", "something else"),
+        ending=words("NULL", "CR", "LF", "CRLF", "cr", "15 characters!!", "16 characters!!!", "é" * 8),
         format=random_json,
         mode1=flag,
         mode2=flag,
@@ -438,7 +438,8 @@ def stored_serial_list(rng):
 
 
 PORT_VALUES = ("115200-8n1", "9600-7e2", "", "-", "--", "9600", "9600-", "-8n1", "9600-8", "9600-8n", "9600--8o1",
-               "9600-8n1-x", "115200-8n15", "a b-c d", "1-é1")
+               "9600-8n1-x", "115200-8n15", "a b-c d", "1-é1",
+               "1" * 31 + "-8n1", "2" * 32 + "-8n1" * 9, "é" * 16 + "-" + "8n1" * 20)
 IDS = ("", "0", "1", "10", "20", "20", "30", "020", " 20", "+20", "-20", "20x", "x", "20,30", "4294967316",
        "2147483647", "2147483648", "99999999999999999999")
 LISTS = ("", "1", "20", "1,20,30", "20,20", ",20,,30,", "20,", " 20,20 ,+20", "020,0020", "x,20", "0,00,a", "10,20x",
@@ -485,6 +486,8 @@ def random_unit(rng):
         lm.append(["S0_BAUDRATE", rng.choice(PORT_VALUES) if rng.random() < 0.7 else "9600-8n1"])
     rng.shuffle(rw)
     rng.shuffle(lm)
+    if rng.random() < 0.03:
+        lm = []  # no live dump at all
     files = {}
     if rng.random() < 0.85:
         files["/user_data2/rs232_list.json"] = stored_serial_list(rng)
@@ -565,7 +568,7 @@ def random_custom_edid(rng):
 def wall_number(rng):
     return rng.choice(
         ["0", "1", "2", "3", "4", "9", "10", "15", "16", "17", "40", "-1", "+1", " 1", "1x", "x", "", "01", "1920",
-         "99999999999", "-2147483647", "2147483648", "1.9", random_text(rng)]
+         "99999999999", "-2147483648", "2147483648", "1.9", random_text(rng)]
     )
 
 
