@@ -140,7 +140,7 @@ def members(**kinds):
     value of a wrong type, or with the same key twice in different cases."""
 
     def build(rng):
-        density = rng.choice([0.15, 0.5, 0.9, 1])
+        density = rng.choice([0.15, 0.5, 0.9, 1, 1])
         pairs = []
         for key, kind in kinds.items():
             if rng.random() < density:
@@ -274,7 +274,7 @@ SECTIONS = {
                 parity=words("none", "even", "odd", "mark", "space"),
                 stopbit=either(random_number, random_text, lambda rng: rng.choice([1, "2", ""])),
                 ending=words("null", "cr", "lf", "crlf"),
-                format=words("ascii", "hex", "hex-ascii", "asci", "ASCII", "a text that names ascii late"),
+                format=words("ascii", "ascii", "hex", "hex", "hex-ascii", "asci", "ASCII", "a text that names ascii late"),
                 ip_tunnel=flag,
                 ip_ssh_tunnel=flag,
             )
@@ -582,7 +582,7 @@ def random_video_wall(rng):
             keys ^= {key}
     pairs = []
     for key in sorted(keys):
-        value = wall_number(rng) if rng.random() < 0.5 else rng.choice(["0", "1", "2", "3", "4", "16"])
+        value = wall_number(rng) if rng.random() < 0.5 else rng.choice(["0", "1", "2", "3", "4", "16", "16", "17"])
         if rng.random() < 0.015:
             value = rng.choice([1, None, True, {}, []])
         pairs.append((other_case(rng, key) if rng.random() < 0.05 else key, value))
