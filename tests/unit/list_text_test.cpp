@@ -65,4 +65,13 @@ TEST(ListText, TextsOfNothingButQuotesAreWhole) {
     EXPECT_EQ(decoded(tags, LineBreaks::drop), quotes);
 }
 
+TEST(ListText, AWordThatALineBreakPartsIsAQuoteOnceTheBreakIsDropped) {
+    char* dropped = decode_list_text("T\nAGaTA\r\tGTTAGAG", LineBreaks::drop);
+    EXPECT_STREQ(dropped, "\"a\"T\"AG");
+    free(dropped);
+    char* kept = decode_list_text("T\nAGaTAG", LineBreaks::keep);
+    EXPECT_STREQ(kept, "T\nAGa\"");
+    free(kept);
+}
+
 }  // namespace
