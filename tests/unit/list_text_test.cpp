@@ -49,10 +49,6 @@ TEST(ListText, LineBreaksAndTabsAreDroppedOrKept) {
     EXPECT_EQ(encoded("a b\v\f\bc", LineBreaks::drop), "a b\v\f\bc");
 }
 
-TEST(ListText, ALineBreakWithinTheLettersIsNoQuote) {
-    EXPECT_EQ(decoded("TA\nG", LineBreaks::drop), "TAG");
-}
-
 TEST(ListText, DecodingGivesBackWhatWasEncoded) {
     const std::string json = R"({"data":[{"name":"a b","code":"0x0D\n"}],"":""})";
     EXPECT_EQ(decoded(encoded(json, LineBreaks::drop), LineBreaks::drop), json);
