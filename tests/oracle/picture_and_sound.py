@@ -186,8 +186,9 @@ class Unit:
         return as_bytes(self.answers.get(command.encode("latin-1").decode("utf-8", "surrogateescape"), ""))
 
     def replace_file(self, path, content):
-        self.trace.append("replace " + path + " " + content)
+        """A file that cannot be opened for writing stays as it was and leaves no trace."""
         if path not in self.refuse:
+            self.trace.append("replace " + path + " " + content)
             self.files[path] = content
 
     def snapshot(self):
