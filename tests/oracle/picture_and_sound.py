@@ -195,18 +195,24 @@ class Unit:
         """Copies the run-time store and gives all present values by their key."""
         self.shell("cp /dev/shm/rwparam /dev/shm/rwparam_temp")
         rw = [key + "=" + value for key, value in self.rw]
-        lm = [key + "=" + value for key, value in self.lm]
+        lm = lines_of("\n".join(key + "=" + value for key, value in self.lm))
+        lm = lm[:lm.index("")] if "" in lm else lm  # an empty line ends the live store
         values = snapshot_of(rw, RW_ORDER, lambda entry, key: key in entry)
         values.update(snapshot_of(lm, LM_ORDER, lambda entry, key: entry.startswith(key)))
         return values
 
     def stored_value(self, wanted):
-        """A present value straight from the run-time store. The store's header stands in front of the
-        first entry, which therefore never begins with its key."""
-        for key, value in self.rw[1:]:
-            if (key + "=" + value).startswith(wanted + "="):
-                return value
+        """A present value straight from the run-time store, line by line. The store's header stands in
+        front of the first entry, which therefore never begins with its key."""
+        store = "????" + "\n".join(key + "=" + value for key, value in self.rw)
+        for line in lines_of(store):
+            if line.startswith(wanted + "="):
+                return line.split("=", 1)[1]
         return ""
+
+
+def lines_of(text):
+    return text.replace("\r", "\n").split("\n")
 
 
 def set_character(text, position, character):

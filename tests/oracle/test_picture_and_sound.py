@@ -299,6 +299,11 @@ def present_values(random, kinds, fillers):
     if random.random() < 0.02:
         # A value that holds another key: whichever entry is met first is taken.
         made.insert(random.randrange(len(made) + 1), ["osd_cus_text", "x" + random.choice(list(kinds)) + "=9"])
+    if random.random() < 0.03:
+        # Line ends in a value: where they count, they end it.
+        pair = random.choice(made) if made else ["x", ""]
+        pair[1] += random.choice(["\r", "\n", "\r\n", "\n1", "\nSS_STREAM_OPTION=a,b,c,d,e,f",
+                                  "\rv_eng_drv_option=0x5", "\n\nVW_VAR_VER=2"])
     return made
 
 
