@@ -128,6 +128,10 @@ def layout(random):
         i = random.randrange(len(entries))
         entries[i] = random.choice(["", "10.0.0.1", ",0,0", "y" * random.choice([95, 96, 97]) + ",0,0",
                                     "10.0,0.1,0,0", "ä,0,0", "10.0.0.2,10,0", "10.0.0.0,0,0" + "," * 87])
+    if entries and random.random() < 0.1:
+        # An entry just short enough, or just too long: behind the third field anything may stand.
+        i = random.randrange(len(entries))
+        entries[i] = (entries[i] + ",").ljust(random.choice([98, 99, 100, 101]), "z")
     if random.random() < 0.15:
         random.shuffle(entries)
     joined = random.choice([":", ":", ":", ":", "::"]).join(entries) + random.choice(["", ":", ""])
