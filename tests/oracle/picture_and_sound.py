@@ -152,8 +152,9 @@ def snapshot_of(entries, order, matches):
     hit, at the second after a miss, the first entry being tried last then."""
     values = {}
     start = 0
+    whole = "\0".join(entries)
     for key in order:
-        tried = entries[start:] + entries[:1]
+        tried = entries[start:] + entries[:1] if key + "=" in whole else []
         hit = next((entry for entry in tried if matches(entry, key + "=")), None)
         values[key] = "" if hit is None else hit.split("=", 1)[1]
         start = 1 if hit is None else 0
