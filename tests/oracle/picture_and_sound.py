@@ -139,6 +139,9 @@ LM_KEYS = """0 HOSTNAME, 2 SERIALNUMBER, 3 IP_MODE, 4 MY_IP, 5 MY_NETMASK, 6 MY_
 155 NO_KMOIP, 156 NO_USB, 184 SS_STREAM_OPTION, 185 SS_SNAPSHOT_OPTION, 186 SS_EN"""
 
 
+LONGEST_VALUE = 1023  # what a slot holds, without its NUL
+
+
 def key_order(listing):
     return [pair.split()[1] for pair in listing.replace("\n", " ").split(",")]
 
@@ -156,7 +159,7 @@ def snapshot_of(entries, order, matches):
     for key in order:
         tried = entries[start:] + entries[:1] if key + "=" in whole else []
         hit = next((entry for entry in tried if matches(entry, key + "=")), None)
-        values[key] = "" if hit is None else hit.split("=", 1)[1]
+        values[key] = "" if hit is None else hit.split("=", 1)[1][:LONGEST_VALUE]
         start = 1 if hit is None else 0
     return values
 
@@ -208,7 +211,7 @@ class Unit:
         store = "????" + "\n".join(key + "=" + value for key, value in self.rw)
         for line in lines_of(store):
             if line.startswith(wanted + "="):
-                return line.split("=", 1)[1]
+                return line.split("=", 1)[1][:LONGEST_VALUE]
         return ""
 
 
