@@ -348,7 +348,9 @@ def _cgi_environment(options):
             raise UnitError(f"{options['fast_clock']} is built for another processor than "
                             f"{options['gateway']}")
         libraries.append(CLOCK)
-    # The gateway's standard error goes nowhere: a sanitizer has to write to a file.
+    # The gateway's standard error goes nowhere: a sanitizer has to write to a file. The one for
+    # undefined behaviour does not, but it can abort, which the other one reports; and what it is told
+    # of the file holds for both.
     log = f":log_path={REPORTS}/report" if options["reports"] else ""
     return {
         "PATH": TOOL_PATH,
@@ -356,8 +358,8 @@ def _cgi_environment(options):
         "FAST_CLOCK_SPEED": str(FAST),
         # A preloaded library stands before the sanitizer's own, which would refuse that. What the
         # gateway holds when it ends is no leak: it serves one request and leaves the rest to exit.
-        "ASAN_OPTIONS": "verify_asan_link_order=0:detect_leaks=0" + log,
-        "UBSAN_OPTIONS": "print_stacktrace=1" + log,
+        "ASAN_OPTIONS": "verify_asan_link_order=0:detect_leaks=0:handle_abort=1" + log,
+        "UBSAN_OPTIONS": "abort_on_error=1" + log,
     }
 
 

@@ -65,16 +65,24 @@ def pytest_unconfigure(config):
     shutil.rmtree(reports)
 
 
-@pytest.fixture(autouse=True)
-def no_sanitizer_report():
-    """Fails the test in which a gateway reported."""
-    yield
+def assert_no_reports():
+    names = os.listdir(reports)
+    if names:
+        # Time to write it to its end.
+        time.sleep(1)
     texts = []
-    for name in os.listdir(reports):
+    for name in names:
         with open(os.path.join(reports, name), encoding="utf-8", errors="replace") as file:
             texts.append(file.read())
         os.unlink(os.path.join(reports, name))
     assert not texts, "\n".join(texts)
+
+
+@pytest.fixture(autouse=True)
+def no_sanitizer_report():
+    """Fails the test in which a gateway reported; the next one when it did behind its reply."""
+    yield
+    assert_no_reports()
 
 
 def built(build, model):
@@ -96,7 +104,9 @@ def running_units():
     units = {}
     yield units
     for unit in units.values():
+        wait_until(lambda unit=unit: not unit.gateway_pids())
         unit.stop()
+    assert_no_reports()
 
 
 def fresh_unit(units, model, kind="lighttpd", **options):
