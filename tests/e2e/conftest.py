@@ -11,7 +11,7 @@ A test of a section is a document and the journal that it must give:
 
 Environment: GATEWAY_BUILD_DIR, folder with models/<MODEL>/upload_gateway and sim/ (default: build);
 SIM_BUILD_DIR, folder with unit_tool and libfast_clock.so where it is not $GATEWAY_BUILD_DIR/sim;
-ARMHF_BUILD_DIR, the same folder built for 32-bit ARM (default: build-armhf);
+GATEWAY_ARMHF_BUILD_DIR, the same folder built for 32-bit ARM (default: build-armhf);
 GATEWAY_PRELOAD, libraries to preload into the gateway, separated by colons.
 
 A gateway that was built with sanitizers may report: the test in which it does fails.

@@ -12,7 +12,7 @@ from conftest import (D200, E100, HEADERS, MAC_READ, NOT_JSON, NOT_SUPPORTED, RE
                       TYPE_DELETED, TYPE_MODIFIED, U300, built, curl, failure, form, fresh_unit,
                       leaving_client, post, success, told, wait_until)
 
-ARMHF = os.path.join(REPOSITORY, os.environ.get("ARMHF_BUILD_DIR", "build-armhf"))
+ARMHF = os.path.join(REPOSITORY, os.environ.get("GATEWAY_ARMHF_BUILD_DIR", "build-armhf"))
 EMULATOR = "/usr/bin/qemu-arm-static"
 
 pytestmark = pytest.mark.skipif(
