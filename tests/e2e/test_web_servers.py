@@ -129,6 +129,12 @@ def test_ABodyOfTwelveMillionBytesLeavesTheUnitAsItWas(unit):
     assert_received(unit, post(unit, {"model": "x"}), failure(unit, TYPE_MODIFIED))
 
 
+def test_LighttpdRefusesWhatIsBeyondItsOwnLimit(u300):
+    reply = post_body(u300, b' name="UnitConfUpload"' + b" " * 17_000_000)
+    assert reply.headers.split(b"\r\n")[0] == b"HTTP/1.1 413 Payload Too Large"
+    assert u300.journal() == []
+
+
 # ---- who waits for whom ----
 
 def test_AToolLeftInTheBackgroundDoesNotDelayTheClient(unit):
