@@ -220,3 +220,18 @@ def test_UnderAnotherNameApacheHidesTheReplyOfAConfigurationThatIsApplied(runnin
     assert b"uploadConfFile" not in reply.body
     unit.wait_for("rebooted")
     assert told(unit) == COMPLETE
+
+
+# ---- the guide ----
+
+@pytest.mark.parametrize("server", ["lighttpd", "apache"])
+def test_TheDeploymentGuideShowsTheSettingsThatRunHere(server):
+    with open(f"{REPOSITORY}/docs/deployment.md", encoding="utf-8") as file:
+        shown = file.read().split(f"\n### {server}\n")[1].split("```")[1]
+    with open(f"{REPOSITORY}/sim/{server}.conf", encoding="utf-8") as file:
+        run = re.sub(r"\$?\{?(env\.)?UNIT_PATIENCE\}?", str(simulated_unit.SERVER_PATIENCE), file.read())
+    settings = ["".join(line.split("#")[0].split()) for line in shown.strip().splitlines()
+                if not line.startswith("server.modules")]
+    assert len(settings) >= 2
+    for setting in settings:
+        assert setting in "".join(run.split()), setting
