@@ -58,6 +58,7 @@ std::string example_text(const ModelUnderTest& model) {
 
 std::string trace_of_document(const ModelUnderTest& model, const std::string& text) {
     reset_recorder();
+    set_lm_value("VW_VAR_VER", "2");  // the newer wall, which takes a pause more
     EXPECT_EQ(apply_configuration_to_model(model.name, text.c_str()), configuration_applied);
     return recorded_trace();
 }
