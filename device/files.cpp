@@ -58,9 +58,8 @@ bool write_file(const char* path, const char* bytes, size_t size) {
     if (descriptor < 0) {
         return false;
     }
-    write_all(descriptor, bytes, size);
-    close(descriptor);
-    return true;
+    const bool written = write_all(descriptor, bytes, size);
+    return close(descriptor) == 0 && written;
 }
 
 // --- Replacing a file as a whole -----------------------------------------------------------------

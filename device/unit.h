@@ -34,8 +34,8 @@ bool read_file(const char* path, FileBytes* file);
 // Whether there is a file or a folder of that name; links are followed.
 bool file_exists(const char* path);
 
-// Empties or creates the file and writes the bytes into it, as the shell's ">" would: what a full
-// disk does not take is lost. False, with nothing changed, when it cannot be opened for writing.
+// Empties or creates the file and writes the bytes into it. False, with nothing changed, when it
+// cannot be opened for writing, and false when the disk did not take all of the bytes.
 bool write_file(const char* path, const char* bytes, size_t size);
 
 // Replaces the file as a whole: after a full disk, a power cut or the death of this program it
