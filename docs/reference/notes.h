@@ -137,16 +137,19 @@ inline constexpr Chapter chapters[] = {
 
 inline constexpr Note notes[] = {
     {"stream.video", every_model, "latency_mode",
-     "0 or `\"ull\"`: the fifth character of the present video engine option is set to `0` and "
-     "`astparam s v_eng_drv_option %s;echo 1 > /sys/devices/platform/videoip/ull` is run with it; "
-     "1 or `\"normal\"`: set to `1`, with `echo 0`; a greater number: an empty line"},
+     "0 or `\"ull\"`: `astparam s v_eng_drv_option %s;echo 1 > /sys/devices/platform/videoip/ull` "
+     "with "
+     "the present video engine option, its fifth character set to `0`; 1 or `\"normal\"`: "
+     "`astparam s "
+     "v_eng_drv_option %s;echo 0 > /sys/devices/platform/videoip/ull`, with `1`; a greater number: "
+     "an empty line"},
     {"stream.video", every_model, "cast_mode",
      "a text that contains `unicast` runs the first line, otherwise one that contains `multicast` "
      "the second"},
     {"stream.video", hdmi_encoder, "stream_number",
      "`astparam s ch_select %s`, cut to 25 characters, so that four digits are left",
      "digits only, not empty"},
-    {"stream.audio", every_model, "stream_audio.volume",
+    {"stream.audio", both_encoders, "stream_audio.volume",
      "with a usable `source`, microcontroller `livol,<source>:<volume>`; otherwise to the present "
      "source"},
     {"stream.audio", both_encoders, "dante_aes67_tx.volume",
@@ -155,7 +158,7 @@ inline constexpr Note notes[] = {
     {"stream.audio", decoder, "dante_aes67_tx.volume",
      "with a usable `source`, microcontroller `livol,<source>:<volume>`; otherwise an empty "
      "command"},
-    {"stream.audio", every_model, "stream_audio.mute",
+    {"stream.audio", both_encoders, "stream_audio.mute",
      "microcontroller `mute,<source>` / `unmute,<source>`, without a usable `source` the present "
      "one; not a boolean: an empty command"},
     {"stream.audio", every_model, "dante_aes67_tx.mute",
