@@ -62,7 +62,8 @@ inline constexpr char how_it_is_read[] = R"text(
   - Where `%s` stands in double quotes, a double quote, `$`, a backquote or a backslash can.
     Microcontroller commands are written by such a line too, of at most 1,023 bytes.
 
-  Keep to plain texts; in the first place that means no blanks either, also in passwords.
+  Keep to plain texts, and where `%s` stands without quotes to texts without blanks. Passwords are no
+  exception.
 - At the end the unit stores its parameters (`astparam save;`), waits 1 second and restarts
   (`e e_reboot &`), also when nothing was changed.
 
