@@ -9,10 +9,10 @@ struct Content {
     size_t length;
 };
 
-// The content of the uploaded file in a text that ends at its first NUL, or behind `size` bytes
-// without one. Its start is looked for by the headers that browsers write, over the whole text and
-// not from the form field on; a text without headers is content from its first byte. Its end is the
-// first line end with four hyphens behind it, the delimiter's two and those that every browser's
-// boundary begins with, or the end of the text. Of a content of more than `most` bytes only that is
-// known: it has a length above `most`. None when the headers do not end.
-Content find_content(const char* text, size_t size, size_t most);
+// The content of the uploaded file in a text of `length` bytes. Its start is looked for by the
+// headers that browsers write, over the whole text and not from the form field on; a text without
+// headers is content from its first byte. Its end is the first line end with four hyphens behind
+// it, the delimiter's two and those that every browser's boundary begins with, or the end of the
+// text. Of a content of more than `most` bytes only that is known: it has a length above `most`.
+// None when the headers do not end.
+Content find_content(const char* text, size_t length, size_t most);

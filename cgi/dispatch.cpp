@@ -9,6 +9,7 @@
 #include "cgi/pattern.h"
 #include "cgi/streams.h"
 #include "cgi/uploads.h"
+#include "device/signals.h"
 #include "device/unit.h"
 #include "unitconf/configuration.h"
 
@@ -111,8 +112,12 @@ static constexpr UploadKind upload_kinds[] = {
 
 static_assert(same_anchor(upload_kinds));
 
-const char* recognised_field(const char* request, size_t size) {
-    const UploadKind* kind = find_first_row(request, size, upload_kinds).row;
+static const UploadKind* recognise_upload(const char* request, size_t length) {
+    return find_first_row(request, request + length, upload_kinds).row;
+}
+
+const char* recognised_field(const char* request, size_t length) {
+    const UploadKind* kind = recognise_upload(request, length);
     return kind == nullptr ? nullptr : kind->pattern.text;
 }
 
@@ -123,9 +128,9 @@ static constexpr size_t size_limit = 512000;
 
 static char content_buffer[content_buffer_size];
 
-static Reply handle_upload(const UploadKind& kind, const char* request, size_t size) {
+static Reply handle_upload(const UploadKind& kind, const char* request, size_t length) {
     const size_t most = kind.size_limited ? size_limit : content_buffer_size - 1;
-    const Content content = find_content(request, size, most);
+    const Content content = find_content(request, length, most);
     if (content.begin == nullptr) {
         return Reply::none;
     }
@@ -144,14 +149,15 @@ void dispatch_upload(const char* request, size_t size) {
     char mac[output_text_size] = {};
     read_command_output("astparam g ethaddr", mac);
 
-    const UploadKind* kind = find_first_row(request, size, upload_kinds).row;
+    const size_t length = strnlen(request, size);  // nothing behind a NUL is seen
+    const UploadKind* kind = recognise_upload(request, length);
     Reply reply = Reply::not_supported;
     char* exported = nullptr;
     if (kind != nullptr && kind->export_object != nullptr) {
         reply = Reply::none;
         exported = kind->export_object();
     } else if (kind != nullptr) {
-        reply = handle_upload(*kind, request, size);
+        reply = handle_upload(*kind, request, length);
     }
 
     take_reply_up(reply_stream);

@@ -13,4 +13,4 @@ void dispatch_upload(const char* request, size_t size);
 
 // The form field that decides what a request uploads: of all known fields that stand anywhere in
 // it, the first in the gateway's order. Null when there is none.
-const char* recognised_field(const char* request, size_t size);
+const char* recognised_field(const char* request, size_t length);

@@ -60,7 +60,7 @@ struct Match {
 // Of the rows whose pattern stands in the text from `text` to `end`, the first in the order of the
 // table. The walk ends early only at the table's first row: any other may yet be outranked.
 template <typename Row, size_t count>
-Match<Row> walk_for_rows(const char* text, const char* end, const Row (&rows)[count]) {
+Match<Row> find_first_row(const char* text, const char* end, const Row (&rows)[count]) {
     const char anchor = rows[0].pattern.text[rows[0].pattern.anchor];
     Match<Row> match = {};
     size_t candidates = count;  // a row at or behind the one that was found changes nothing
@@ -77,18 +77,4 @@ Match<Row> walk_for_rows(const char* text, const char* end, const Row (&rows)[co
         }
     }
     return match;
-}
-
-// The same for a text that ends at its first NUL, or behind `size` bytes without one. Where it ends
-// is looked for only as far as it matters: what does not stand in all of the bytes does not stand
-// in the text, and what was found counts when no NUL stands before it.
-template <typename Row, size_t count>
-Match<Row> find_first_row(const char* text, size_t size, const Row (&rows)[count]) {
-    const Match<Row> match = walk_for_rows(text, text + size, rows);
-    if (match.row == nullptr) {
-        return match;
-    }
-    const char* behind = match.place + match.row->pattern.length;
-    const char* end = text + strnlen(text, static_cast<size_t>(behind - text));
-    return end == behind ? match : walk_for_rows(text, end, rows);
 }

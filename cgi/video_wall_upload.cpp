@@ -13,6 +13,7 @@
 #include "device/unit.h"
 #include "unitconf/document.h"
 #include "unitconf/members.h"
+#include "unitconf/numbers.h"
 
 enum WallResult : int {
     wall_applied = 1,
@@ -105,12 +106,6 @@ static bool read_place(const cJSON* document, Place* place) {
 
 // --- The values ----------------------------------------------------------------------------------
 
-// A text's leading digits as a number, held at the 32-bit limits; 0 when it has none.
-static int decimal(const char* text) {
-    const long number = strtol(text, nullptr, 10);
-    return number > INT_MAX ? INT_MAX : number < INT_MIN ? INT_MIN : static_cast<int>(number);
-}
-
 // The codes that the events take for a document's 0 to 9. The rest have none.
 static constexpr int code_count = 10;
 static constexpr const char* rotation_codes[code_count] = {"0", "5", "3", "6", "",
@@ -119,18 +114,18 @@ static constexpr const char* stretch_codes[code_count] = {"2", "1", "", "", "", 
 
 // Null outside 0 to 9.
 static const char* code_of(const char* text, const char* const (&codes)[code_count]) {
-    const int index = decimal(text);
+    const int index = decimal_value(text);
     return index < 0 || index >= code_count ? nullptr : codes[index];
 }
 
 // The unit counts rows and columns from 0.
 static int highest_index(const char* count) {
-    const int number = decimal(count);
+    const int number = decimal_value(count);
     return number == INT_MIN ? INT_MIN : number - 1;
 }
 
 static bool is_wall_size(const char* count) {
-    const int number = decimal(count);
+    const int number = decimal_value(count);
     return number >= 1 && number <= 16;
 }
 
@@ -167,7 +162,7 @@ static void raise_events(const Screen& screen, const Place& place, char variant,
     free(placing);
 }
 
-// A unit whose Dante add-on also carries the video's sound does not reconnect by itself.
+// The unit is told to take its source again where it has no audio add-on, or one for audio alone.
 static bool may_reconnect(const char* audio_addon, const char* dante_mode) {
     return strcmp(audio_addon, "none") == 0 ||
            (strcmp(audio_addon, "dante") == 0 && strcmp(dante_mode, "audio-only") == 0);

@@ -1,10 +1,10 @@
 #include "device/answer.h"
 
-// What the microcontroller runs on its own console when it has finished a command.
+// What stands at the end of an answer, before a line end.
 static constexpr char end_mark[] = "printf \":mcu_end\" | nc -w 3 127.0.0.1 4445";
 static constexpr size_t end_mark_length = sizeof end_mark - 1;
 
-// CR, LF and five bytes more: the console's next prompt.
+// CR, LF and five bytes more.
 static constexpr char line_end[] = {'\r', '\n'};
 static constexpr size_t needed_behind_mark = 7;
 

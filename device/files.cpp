@@ -58,9 +58,8 @@ bool write_file(const char* path, const char* bytes, size_t size) {
     if (descriptor < 0) {
         return false;
     }
-    write_all(descriptor, bytes, size);
-    close(descriptor);
-    return true;
+    const bool written = write_all(descriptor, bytes, size);
+    return close(descriptor) == 0 && written;
 }
 
 // --- Replacing a file as a whole -----------------------------------------------------------------
@@ -89,21 +88,30 @@ static bool give_name(int descriptor, const char* name) {
     return linkat(AT_FDCWD, nameless, AT_FDCWD, name, AT_SYMLINK_FOLLOW) == 0;
 }
 
-// Makes the temporary file with the whole content. Where the file system can, it has no name until
-// it is complete, so that nothing is left over however it ends before.
-static bool make_temporary(const Replacement& names, const char* bytes, size_t size) {
-    unlink(names.temporary);
-    int descriptor = open(names.folder, O_TMPFILE | O_WRONLY | O_CLOEXEC, 0666);
-    const bool nameless = descriptor >= 0;
-    if (!nameless) {
-        descriptor = open(names.temporary, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-    }
+// Makes the temporary file with the whole content. Where the system can, it has no name until it is
+// complete, so that nothing is left over however it ends before.
+static bool make_nameless_temporary(const Replacement& names, const char* bytes, size_t size) {
+    const int descriptor = open(names.folder, O_TMPFILE | O_WRONLY | O_CLOEXEC, 0666);
     if (descriptor < 0) {
         return false;
     }
     const bool made = write_content(descriptor, names.path, bytes, size) &&
-                      (!nameless || give_name(descriptor, names.temporary));
+                      give_name(descriptor, names.temporary);
     return close(descriptor) == 0 && made;
+}
+
+static bool make_named_temporary(const Replacement& names, const char* bytes, size_t size) {
+    const int descriptor = open(names.temporary, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    if (descriptor < 0) {
+        return false;
+    }
+    const bool made = write_content(descriptor, names.path, bytes, size);
+    return close(descriptor) == 0 && made;
+}
+
+static bool make_temporary(const Replacement& names, const char* bytes, size_t size) {
+    unlink(names.temporary);
+    return make_nameless_temporary(names, bytes, size) || make_named_temporary(names, bytes, size);
 }
 
 // One replacement in a folder at a time, so that two uploads of the same list do not get hold of
@@ -125,15 +133,21 @@ static bool replace_in_folder(const Replacement& names, const char* bytes, size_
     return replaced;
 }
 
+// A link is followed, as the shell would: the file that it leads to is replaced.
 static bool replace_here(const char* path, const char* bytes, size_t size) {
-    char* temporary = strdup(path);
-    char* folder = strdup(path);
+    char* target = realpath(path, nullptr);
+    char* temporary = strdup(target == nullptr ? path : target);
+    char* folder = strdup(target == nullptr ? path : target);
     bool replaced = false;
-    const size_t length = strlen(path);
-    if (temporary != nullptr && folder != nullptr && length > 0 && path[length - 1] != '~') {
-        temporary[length - 1] = '~';
-        replaced = replace_in_folder({path, temporary, dirname(folder)}, bytes, size);
+    if (temporary != nullptr && folder != nullptr) {
+        const size_t length = strlen(temporary);
+        if (length > 0 && temporary[length - 1] != '~') {
+            temporary[length - 1] = '~';
+            replaced = replace_in_folder(
+                {target == nullptr ? path : target, temporary, dirname(folder)}, bytes, size);
+        }
     }
+    free(target);
     free(temporary);
     free(folder);
     return replaced;

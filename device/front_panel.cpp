@@ -4,17 +4,19 @@
 #include <sys/time.h>
 #include <unistd.h>
 
-#include <cerrno>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 
 #include "device/answer.h"
+#include "device/signals.h"
 #include "device/unit.h"
 
 static constexpr char relay_address[] = "127.0.0.1";
 static constexpr uint16_t relay_port = 5449;
 static constexpr time_t answer_timeout_seconds = 10;
 static constexpr size_t longest_command = 1023;
+static constexpr ssize_t longest_answer = INT32_MAX;
 
 // A connection to the relay that hands on what the microcontroller answers, or -1.
 static int connect_to_relay() {
@@ -33,19 +35,18 @@ static int connect_to_relay() {
     return relay;
 }
 
-// Reads until the answer is complete, the relay closes, or nothing comes within the time limit.
-// A signal costs the wait its start, never its pacing.
+// Reads until the answer is complete, the relay closes, nothing comes within the time limit, or
+// more has come than any answer can be.
 static void wait_for_answer(int relay) {
     AnswerProgress answer = {};
     char piece[1023];
+    ssize_t left = longest_answer;
     while (!answer.complete) {
         const ssize_t got = read(relay, piece, sizeof piece);
-        if (got < 0 && errno == EINTR) {
-            continue;
-        }
-        if (got <= 0) {
+        if (got <= 0 || got > left) {
             return;
         }
+        left -= got;
         follow_answer(&answer, piece, static_cast<size_t>(got));
     }
 }
@@ -62,6 +63,8 @@ void send_mcu_command(const char* command) {
     run_shell_line(line);
     const timeval timeout = {answer_timeout_seconds, 0};
     setsockopt(relay, SOL_SOCKET, SO_RCVTIMEO, &timeout, sizeof timeout);
+    hold_signals();
     wait_for_answer(relay);
+    release_signals();
     close(relay);
 }

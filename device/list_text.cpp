@@ -5,7 +5,7 @@
 #include <cstring>
 
 static constexpr char quote_word[] = "TAG";
-static constexpr size_t quote_word_length = sizeof quote_word - 1;
+static constexpr ptrdiff_t quote_word_length = sizeof quote_word - 1;
 
 static bool is_dropped(char byte, LineBreaks line_breaks) {
     return line_breaks == LineBreaks::drop && (byte == '\r' || byte == '\n' || byte == '\t');
@@ -44,15 +44,16 @@ char* decode_list_text(const char* stored, LineBreaks line_breaks) {
         return nullptr;
     }
     char* end = json;
-    for (const char* at = stored; *at != '\0';) {
-        if (strncmp(at, quote_word, quote_word_length) == 0) {
+    for (const char* at = stored; *at != '\0'; at++) {
+        if (is_dropped(*at, line_breaks)) {
+            continue;
+        }
+        *end++ = *at;
+        // The word counts also when a dropped line break stood within it.
+        if (end - json >= quote_word_length &&
+            memcmp(end - quote_word_length, quote_word, quote_word_length) == 0) {
+            end -= quote_word_length;
             *end++ = '"';
-            at += quote_word_length;
-        } else {
-            if (!is_dropped(*at, line_breaks)) {
-                *end++ = *at;
-            }
-            at++;
         }
     }
     *end = '\0';

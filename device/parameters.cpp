@@ -18,13 +18,17 @@ void read_file_text(const char* path, char** out_text) {
     }
 }
 
-// Copies the value of the first line of `dump` that begins with `key`.
-static void copy_value(FileBytes dump, const char* key, char* out) {
+void split_lines(FileBytes dump) {
     for (size_t i = 0; i < dump.size; i++) {
         if (dump.bytes[i] == '\r' || dump.bytes[i] == '\n') {
             dump.bytes[i] = '\0';
         }
     }
+}
+
+// Copies the value of the first line of `dump` that begins with `key`.
+static void copy_value(FileBytes dump, const char* key, char* out) {
+    split_lines(dump);
     const size_t key_length = strlen(key);
     const char* end = dump.bytes + dump.size;
     for (const char* line = dump.bytes; line < end; line += strlen(line) + 1) {

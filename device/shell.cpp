@@ -1,10 +1,10 @@
 #include <unistd.h>
 
-#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
+#include "device/signals.h"
 #include "device/unit.h"
 
 // The kernel takes no single exec argument of more bytes than this, the closing NUL included.
@@ -51,14 +51,7 @@ int read_command_output(const char* command, char* out) {
 }
 
 void pause_seconds(unsigned seconds) {
-    // An interruption shows in errno: what sleep gives back is cut to whole seconds, so a second
-    // more makes up for the part that it does not tell.
-    for (;;) {
-        errno = 0;
-        const unsigned left = sleep(seconds);
-        if (errno != EINTR) {
-            return;
-        }
-        seconds = left < seconds ? left + 1 : seconds;
-    }
+    hold_signals();
+    sleep(seconds);
+    release_signals();
 }

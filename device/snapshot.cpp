@@ -4,6 +4,8 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "device/parameters.h"
+
 struct SlotKey {
     unsigned char slot;
     const char* key;
@@ -274,11 +276,7 @@ void load_lm_snapshot(ParameterSnapshot* snapshot) {
     if (!read_file("/var/tmp/lmparam_dump", &dump) || dump.bytes == nullptr) {
         return;
     }
-    for (size_t i = 0; i < dump.size; i++) {
-        if (dump.bytes[i] == '\r' || dump.bytes[i] == '\n') {
-            dump.bytes[i] = '\0';
-        }
-    }
+    split_lines(dump);
     fill_slots(snapshot, lm_keys, {dump.bytes, dump.bytes + dump.size}, begins_with_key);
     free(dump.bytes);
 }

@@ -31,24 +31,25 @@ int read_command_output(const char* command, char* out);
 // `file->bytes` null when memory ran out.
 bool read_file(const char* path, FileBytes* file);
 
-// Whether there is a file of that name.
+// Whether there is a file or a folder of that name; links are followed.
 bool file_exists(const char* path);
 
 // Empties or creates the file and writes the bytes into it. False, with nothing changed, when it
-// cannot be opened for writing.
+// cannot be opened for writing, and false when the disk did not take all of the bytes.
 bool write_file(const char* path, const char* bytes, size_t size);
 
 // Replaces the file as a whole: after a full disk, a power cut or the death of this program it
 // holds either all of `bytes` or what it held before, flushed to the disk. An existing file keeps
 // its mode. No temporary file is left over, also when this program is killed; after a power cut one
 // may be (the same name with "~" for its last character), which the next replacement removes; a
-// path that itself ends in "~" is refused. False when the file keeps the old content.
+// path that itself ends in "~" is refused. A link is followed. False when it is not known that the
+// file has the new content.
 bool replace_file(const char* path, const char* bytes, size_t size);
 
 // Sends one command to the front-panel microcontroller and waits until its answer is complete, at
-// most 10 seconds for each piece of it. Of the command at most 1023 bytes are sent; an empty
-// command is sent as well. Nothing is sent when the answer relay (TCP 127.0.0.1:5449) cannot be
-// reached.
+// most 10 seconds for each piece of it and 2 GiB in all. Of the command at most 1023 bytes are
+// sent; an empty command is sent as well. Nothing is sent when the answer relay (TCP
+// 127.0.0.1:5449) cannot be reached.
 void send_mcu_command(const char* command);
 
 // Waits whole seconds; a signal does not shorten the pause.

@@ -22,6 +22,11 @@ demo_needs=(
 test_needs=(
     "${demo_needs[@]}"
     "/usr/lib/python3/dist-packages/pytest:python3-pytest"
+    "/usr/lib/python3/dist-packages/xdist:python3-pytest-xdist"
+    # The server alone: the package apache2 would also set up a service.
+    "/usr/sbin/apache2:apache2-bin"
+    "chromium:chromium"
+    "chromedriver:chromium-driver"
     "strace:strace"
     "git:git"
     "make:make"

@@ -9,6 +9,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -24,9 +25,8 @@
 namespace sim {
 
 static constexpr char unit_tool[] = "/sim/unit_tool";
-static constexpr char web_server[] = "/usr/sbin/lighttpd";
 
-// First descriptor that the web server takes a listening socket from.
+// First descriptor that a web server takes a listening socket from.
 static constexpr int first_handed_descriptor = 3;
 
 static void run_and_wait(const std::vector<const char*>& command) {
@@ -60,11 +60,13 @@ static bool prepare_files(const char* parameters) {
     return true;
 }
 
-static bool status_service_answers() {
+static constexpr uint16_t status_port = 4445;
+
+static bool is_listening(uint16_t port) {
     const int channel = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
     sockaddr_in address = {};
     address.sin_family = AF_INET;
-    address.sin_port = htons(4445);
+    address.sin_port = htons(port);
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     const bool answers =
         connect(channel, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0;
@@ -72,14 +74,18 @@ static bool status_service_answers() {
     return answers;
 }
 
-static pid_t start_web_server(int listener) {
+// Starts the web server, which takes the listening socket that is handed to it. Without one
+// (listener is negative) it opens a port of its own.
+static pid_t start_web_server(int listener, char** command) {
     const pid_t child = fork();
     if (child == 0) {
-        dup2(listener, first_handed_descriptor);
-        setenv("LISTEN_FDS", "1", 1);
-        setenv("LISTEN_PID", std::to_string(getpid()).c_str(), 1);
-        execl(web_server, web_server, "-D", "-f", "/sim/lighttpd.conf", nullptr);
-        perror(web_server);
+        if (listener >= 0) {
+            dup2(listener, first_handed_descriptor);
+            setenv("LISTEN_FDS", "1", 1);
+            setenv("LISTEN_PID", std::to_string(getpid()).c_str(), 1);
+        }
+        execv(command[0], command);
+        perror(command[0]);
         _exit(127);
     }
     return child;
@@ -178,12 +184,13 @@ static bool serve_request(int control) {
 }
 
 int run_unit_init(int argc, char** argv) {
-    if (argc != 4) {
-        fprintf(stderr, "usage: unit_init PARAMETERS CONTROL LISTENER\n");
+    if (argc < 6) {
+        fprintf(stderr, "usage: unit_init PARAMETERS CONTROL LISTENER PORT SERVER [ARGUMENT]...\n");
         return 2;
     }
     const int control = atoi(argv[2]);
     const int listener = atoi(argv[3]);
+    const uint16_t port = static_cast<uint16_t>(atoi(argv[4]));
     fcntl(control, F_SETFD, FD_CLOEXEC);
     fcntl(listener, F_SETFD, FD_CLOEXEC);
     umask(0);
@@ -202,9 +209,11 @@ int run_unit_init(int argc, char** argv) {
         run_status_service();
     }
     close(serial);
-    const pid_t server = start_web_server(listener);
+    const pid_t server = start_web_server(listener, argv + 5);
     close(listener);
-    for (int tries = 0; !tell_microcontroller("drain") || !status_service_answers(); tries++) {
+    for (int tries = 0; !tell_microcontroller("drain") || !is_listening(status_port) ||
+                        (listener < 0 && !is_listening(port));
+         tries++) {
         if (tries == 5000) {
             return 1;
         }

@@ -7,8 +7,9 @@
         print("\n".join(unit.journal()))
 
 The unit lives in mount, pid and network namespaces of its own and keeps nothing outside of them: its
-files are in memory and go with it, also when this process is killed. Its web server is reachable on
-a free port of this machine's loopback, because the listening socket is opened here and handed in.
+files are in memory and go with it, also when this process is killed. Its web server is lighttpd,
+reachable on a free port of this machine's loopback, because the listening socket is opened here and
+handed in. The other servers take no socket: they are reached from inside the unit only.
 
 Start it from the main thread: the unit ends when the thread that started it does.
 """
@@ -26,7 +27,26 @@ import time
 HERE = os.path.dirname(os.path.abspath(__file__))
 MODELS = ("ZAVO-ENC-U300-DA", "ZAVO-ENC-E100-DA", "ZAVO-DEC-D200-DA")
 CGI = "/www/cgi-bin/upload_gateway"
+
+# apache passes a program's own status line on only under a name like this one.
+NPH_CGI = "/www/cgi-bin/nph-upload_gateway"
+
+# The web servers that a unit can run: "apache" is Debian's default (threads, mod_cgid), and
+# "apache-prefork" is the other kind (processes, mod_cgi).
+SERVERS = ("lighttpd", "busybox", "apache", "apache-prefork")
+
+# Port of a server that is reached from inside the unit only.
+INSIDE_PORT = 8080
+
+# Seconds that a web server waits for the gateway, as docs/deployment.md has it.
+SERVER_PATIENCE = 900
 CLOCK = "/sim/libfast_clock.so"
+
+# Where the gateway lies when it is built for another processor, and CGI is a script that runs it.
+RUN_GATEWAY = "/sim/upload_gateway"
+
+# Where a gateway that is built with sanitizers reports.
+REPORTS = "/run/reports"
 TOOL_PATH = "/unit/extra:/unit/bin:/bin"
 
 # How much faster the gateway's clock runs. A pause of one second then takes a millisecond.
@@ -52,11 +72,17 @@ def _machine(path):
 class Unit:
     """A running unit. Made by start(); ended by stop() or at the end of a with block."""
 
-    def __init__(self, process, control, root, listener, model, cgi_environment):
-        self.model = model
-        self.cgi_environment = cgi_environment
-        self.port = listener.getsockname()[1]
-        self.url = f"http://127.0.0.1:{self.port}/cgi-bin/upload_gateway"
+    def __init__(self, process, control, root, port, options):
+        self.model = options["model"]
+        self.server = options["server"]
+        self.cgi_environment = options["environment"]
+        # True when the web server is reached from inside the unit only: run curl there.
+        self.inside = options["server"] != "lighttpd"
+        self.port = port
+        cgi = NPH_CGI if self.server.startswith("apache") else CGI
+        self.url = f"http://127.0.0.1:{port}{cgi.removeprefix('/www')}"
+        self._gateway_names = {os.path.basename(path)[:15]
+                               for path in (CGI, NPH_CGI, *options["runner"][:1])}
         self._process = process
         self._control = control
         self._root = root
@@ -146,10 +172,10 @@ class Unit:
 
     def gateway_pids(self):
         """The gateway processes that run now, as this machine numbers them."""
-        return self.pids("upload_gateway")
+        return self.pids(*self._gateway_names)
 
-    def pids(self, name):
-        """Processes in the unit with this command name, as this machine numbers them."""
+    def pids(self, *wanted):
+        """Processes in the unit with one of these command names, as this machine numbers them."""
         parents, names = {}, {}
         for entry in os.listdir("/proc"):
             if entry.isdigit():
@@ -167,7 +193,7 @@ class Unit:
                 pid = parents[pid]
             return False
 
-        return [pid for pid in names if names[pid] == name[:15] and in_unit(pid)]
+        return [pid for pid in names if names[pid] in wanted and in_unit(pid)]
 
     # ---- journal ----
 
@@ -282,6 +308,9 @@ def _sandbox(options):
     command = ["bwrap", "--unshare-net", "--unshare-pid", "--unshare-ipc", "--unshare-uts",
                "--die-with-parent", "--new-session", "--clearenv",
                "--ro-bind", "/usr", "/usr"]
+    if options["server"].startswith("apache"):
+        # It does not serve as root.
+        command += ["--unshare-user", "--uid", "1000", "--gid", "1000"]
     for folder in ("lib", "lib32", "lib64", "libx32"):
         if os.path.islink(f"/{folder}"):
             command += ["--symlink", os.readlink(f"/{folder}"), f"/{folder}"]
@@ -299,68 +328,112 @@ def _sandbox(options):
             (options["unit_tool"], "/sim/unit_tool"),
             (os.path.join(HERE, f"unit.{options['model']}.params"), "/sim/params"),
             (os.path.join(HERE, "lighttpd.conf"), "/sim/lighttpd.conf"),
+            (os.path.join(HERE, "apache.conf"), "/sim/apache.conf"),
             *([(options["fast_clock"], CLOCK)] if options["fast_clock"] else []),
-            (options["gateway"], CGI)):
+            (options["gateway"], RUN_GATEWAY if options["runner"] else CGI)):
         if not os.path.isfile(path):
             raise UnitError(f"{path} is missing")
         command += ["--ro-bind", os.path.realpath(path), inside]
+    command += ["--symlink", os.path.basename(CGI), NPH_CGI]
+    if options["reports"]:
+        command += ["--bind", os.path.realpath(options["reports"]), REPORTS]
     return command
 
 
-def _cgi_environment(gateway, fast_clock, preload):
+def _cgi_environment(options):
     """What the gateway finds in its environment, besides what the web server puts there."""
-    libraries = list(preload)
-    if fast_clock is not None:
-        if _machine(fast_clock) != _machine(gateway):
-            raise UnitError(f"{fast_clock} is built for another processor than {gateway}")
+    libraries = list(options["preload"])
+    if options["fast_clock"] is not None:
+        if _machine(options["fast_clock"]) != _machine(options["gateway"]):
+            raise UnitError(f"{options['fast_clock']} is built for another processor than "
+                            f"{options['gateway']}")
         libraries.append(CLOCK)
+    # The gateway's standard error goes nowhere: a sanitizer has to write to a file. The one for
+    # undefined behaviour does not, but it can abort, which the other one reports; and what it is told
+    # of the file holds for both.
+    log = f":log_path={REPORTS}/report" if options["reports"] else ""
     return {
         "PATH": TOOL_PATH,
         "LD_PRELOAD": ":".join(libraries),
         "FAST_CLOCK_SPEED": str(FAST),
         # A preloaded library stands before the sanitizer's own, which would refuse that. What the
         # gateway holds when it ends is no leak: it serves one request and leaves the rest to exit.
-        "ASAN_OPTIONS": "verify_asan_link_order=0:detect_leaks=0",
+        "ASAN_OPTIONS": "verify_asan_link_order=0:detect_leaks=0:handle_abort=1" + log,
+        "UBSAN_OPTIONS": "abort_on_error=1" + log,
     }
 
 
-def start(model, gateway, tools=None, real_time=False, port=0, user_data_bytes=0, preload=(),
-          fast_clock=None):
-    """Starts a unit of the given model with the given gateway program and returns it when it is up.
+def _server_command(options):
+    """How the unit's web server is started; what it needs beside its configuration is in the
+    environment (UNIT_*)."""
+    if options["server"] == "lighttpd":
+        return ["/usr/sbin/lighttpd", "-D", "-f", "/sim/lighttpd.conf"]
+    if options["server"] == "busybox":
+        # It hands its own environment on, and as a static program takes no preloaded library.
+        return ["/bin/busybox", "env", *(f"{key}={value}" for key, value
+                                         in options["environment"].items()),
+                "/bin/busybox", "httpd", "-f", "-p", f"127.0.0.1:{INSIDE_PORT}", "-h", "/www"]
+    return ["/usr/sbin/apache2", "-DFOREGROUND", "-f", "/sim/apache.conf",
+            *(["-DPREFORK"] if options["server"] == "apache-prefork" else [])]
 
-    tools: folder with the built unit_tool and libfast_clock.so.
-    real_time: the gateway's pauses take as long as on the appliance, not a thousandth of it.
-    port: port of this machine's loopback for the web server; 0 takes a free one.
-    user_data_bytes: size of /user_data2; 0 is no limit.
-    preload: libraries to preload into the gateway only (before the clock).
-    fast_clock: the clock's library, where the gateway is built for another processor than `tools`.
-    """
-    tools = os.path.realpath(tools or default_tools())
-    fast_clock = None if real_time else os.path.realpath(
-        fast_clock or os.path.join(tools, "libfast_clock.so"))
-    busybox = shutil.which("busybox")
-    for program in ("bwrap", "busybox", "/usr/sbin/lighttpd"):
-        if shutil.which(program) is None:
-            raise UnitError(f"{program} is missing: scripts/demo installs what the unit needs")
-    command = _sandbox({"model": model, "gateway": os.fspath(gateway), "busybox": busybox,
-                        "unit_tool": os.path.join(tools, "unit_tool"), "fast_clock": fast_clock,
-                        "user_data_bytes": user_data_bytes})
-    environment = _cgi_environment(gateway, fast_clock, preload)
-    ours, theirs = socket.socketpair(socket.AF_UNIX, socket.SOCK_SEQPACKET)
+
+def _programs_that_are_needed(options):
+    server = _server_command(options)[0]
+    return ["bwrap", "busybox", *([] if server.startswith("/bin/") else [server]),
+            *options["runner"][:1]]
+
+
+def _open_listener(port):
     listener = socket.socket()
     listener.setsockopt(socket.SOL_SOCKET, socket.SO_REUSEADDR, 1)
     listener.bind(("127.0.0.1", port))
     listener.listen(128)
-    with theirs, listener:
-        settings = {"UNIT_PORT": str(listener.getsockname()[1]), "PATH": TOOL_PATH,
+    return listener
+
+
+def start(model, gateway, tools=None, real_time=False, port=0, user_data_bytes=0, preload=(),
+          fast_clock=None, server="lighttpd", patience=SERVER_PATIENCE, runner=(), reports=None):
+    """Starts a unit of the given model with the given gateway program and returns it when it is up.
+
+    tools: folder with the built unit_tool and libfast_clock.so.
+    real_time: the gateway's pauses take as long as on the appliance, not a thousandth of it.
+    port: port of this machine's loopback for the web server; 0 takes a free one (lighttpd only).
+    user_data_bytes: size of /user_data2; 0 is no limit.
+    preload: libraries to preload into the gateway only (before the clock).
+    fast_clock: the clock's library, where the gateway is built for another processor than `tools`.
+    server: one of SERVERS.
+    patience: seconds that the web server waits for the gateway.
+    runner: command that runs the gateway, where it is built for another processor than this one.
+    reports: folder of this machine that gets the reports of a gateway built with sanitizers.
+    """
+    tools = os.path.realpath(tools or default_tools())
+    options = {
+        "model": model, "gateway": os.fspath(gateway), "busybox": shutil.which("busybox"),
+        "unit_tool": os.path.join(tools, "unit_tool"), "user_data_bytes": user_data_bytes,
+        "fast_clock": None if real_time else os.path.realpath(
+            fast_clock or os.path.join(tools, "libfast_clock.so")),
+        "preload": preload, "server": server, "runner": list(runner), "reports": reports}
+    if server not in SERVERS:
+        raise ValueError(server)
+    for program in _programs_that_are_needed({**options, "environment": {}}):
+        if shutil.which(program) is None:
+            raise UnitError(f"{program} is missing: scripts/test installs what the unit needs")
+    command = _sandbox(options)
+    environment = options["environment"] = _cgi_environment(options)
+    ours, theirs = socket.socketpair(socket.AF_UNIX, socket.SOCK_SEQPACKET)
+    listener = _open_listener(port) if server == "lighttpd" else None
+    port = listener.getsockname()[1] if listener else INSIDE_PORT
+    with theirs, listener or contextlib.nullcontext():
+        settings = {"UNIT_PORT": str(port), "UNIT_PATIENCE": str(patience), "PATH": TOOL_PATH,
                     **{f"UNIT_CGI_{key.removeprefix('LD_')}": value
                        for key, value in environment.items()}}
         for key, value in settings.items():
             command += ["--setenv", key, value]
+        handed = [theirs.fileno(), *([listener.fileno()] if listener else [])]
         command += ["--", "/sim/unit_tool", "unit_init", "/sim/params", str(theirs.fileno()),
-                    str(listener.fileno())]
-        process = subprocess.Popen(command, stdin=subprocess.DEVNULL,
-                                   pass_fds=(theirs.fileno(), listener.fileno()))
+                    str(listener.fileno() if listener else -1), str(port),
+                    *_server_command(options)]
+        process = subprocess.Popen(command, stdin=subprocess.DEVNULL, pass_fds=handed)
         theirs.close()
         ours.settimeout(20)
         try:
@@ -373,7 +446,10 @@ def start(model, gateway, tools=None, real_time=False, port=0, user_data_bytes=0
             raise UnitError("the unit did not start")
         ours.settimeout(None)
         os.set_inheritable(descriptors[0], False)
-        return Unit(process, ours, descriptors[0], listener, model, environment)
+        unit = Unit(process, ours, descriptors[0], port, options)
+    if runner:
+        unit.write(CGI, f"#!/bin/busybox sh\nexec {' '.join(runner)} {RUN_GATEWAY}\n".encode(), 0o777)
+    return unit
 
 
 def stop_on_signals():

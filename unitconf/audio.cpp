@@ -16,8 +16,9 @@ struct AudioModel {
     Vocabulary analog_sources;  // of the analog output
     int analog_input;           // the port numbers of the analog port, by its direction
     int analog_output;
-    bool
-        volume_without_source;  // goes to the present source, where otherwise an empty command goes
+    // Whether a volume without a source goes to the present one; otherwise an empty command goes
+    // out.
+    bool volume_without_source;
     bool auto_in_stream_audio;  // the analog port's "auto" stands in "stream_audio"
 };
 
@@ -245,7 +246,7 @@ static constexpr Member decoder_routing_members[] = {
 };
 static_assert(well_formed(decoder_routing_members));
 
-// Documents carry "audio_stream_number" as a number; the stream itself is named in "routing".
+// Documents carry "audio_stream_number" as a number, which has no text to reconnect to.
 static constexpr Member decoder_members[] = {
     pause(1),
     flag("audio_follow_video", "astparam s audioFlv 1", "astparam s audioFlv 0"),

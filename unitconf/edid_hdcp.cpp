@@ -33,7 +33,7 @@ static constexpr Word edid_descriptions[] = {
     {"user defined", 9},
 };
 
-// The decoder has one display to copy from, so that any text means it.
+// The decoder takes any text for a copy, also one that means none elsewhere.
 static bool copy_edid_of_the_display(const Section&, const cJSON* item) {
     if (!cJSON_IsString(item)) {
         return false;

@@ -131,7 +131,7 @@ static bool apply_member(const Section& section, const Member& row, const cJSON*
         case Kind::number_list:
             return send_number_list(row.line, item);
         case Kind::handled:
-            return row.own.handler(section, item);
+            return row.own.handler({section.whole, section.object, section.present, &row}, item);
         case Kind::object_only:
             if (!cJSON_IsObject(item)) {
                 return false;

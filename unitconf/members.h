@@ -8,8 +8,7 @@
 // What holds for every row, so that no table can get it wrong:
 // - a row that takes a boolean looks its key up by exact case, every other row ignores case, as the
 //   documents in the field rely on; `any_case` and `exact_case` mark the exceptions;
-// - a member that is missing, of another type or outside its words sends nothing and is not
-// reported;
+// - a member that is missing, of another type or outside its words sends nothing, without a word;
 // - numbers are the integer values of the JSON numbers, cut towards zero and held at the 32-bit
 //   limits; whether one is negative is decided on that value.
 #pragma once
@@ -79,11 +78,14 @@ constexpr Pauses pause_when_sent_then_always(unsigned char when_sent, unsigned c
     return {when_sent, always};
 }
 
+struct Member;
+
 // What a handler is given beside its member.
 struct Section {
     const cJSON* whole;   // the section as its applier received it
     const cJSON* object;  // the object whose members are applied: the section or a part
     const ParameterSnapshot* present;  // the values found at entry, or null where none are read
+    const Member* row = nullptr;       // the row of the member at hand
 };
 
 // Applies one member that is there, whatever its type. True when a line was run or a command sent.
@@ -114,7 +116,7 @@ enum class Kind : unsigned char {
     ignored,            // looked up and accepted, never applied by itself
 };
 
-// What a document must hold for the row to send something.
+// What a document must hold for the row to do its own.
 enum class JsonType : unsigned char {
     none,
     boolean,
@@ -125,8 +127,6 @@ enum class JsonType : unsigned char {
     object,
     any,
 };
-
-struct Member;
 
 // What only one kind of row has.
 union RowOwn {
@@ -146,9 +146,9 @@ struct Member {
     bool partner_exact_case : 1 = false;
     unsigned char member_count = 0;  // object: the length of `members`; 0 for every other kind
     Pauses pauses = {};
-    short lowest = 0;   // number_in_range: the limits, compared unsigned, and what is
-    short highest = 0;  // added to the value that is sent
-    short offset = 0;
+    short lowest = 0;  // number_in_range: the limits
+    short highest = 0;
+    short offset = 0;              // and what is added to the value that is sent
     const char* parent = nullptr;  // the object that holds the key, when it is not the section
     const char* key = nullptr;
     Line line = {};                      // for a flag: the line of true
@@ -490,7 +490,7 @@ constexpr bool well_formed_row(const Member& row) {
             return row.type != JsonType::none;
         case Kind::object:
         case Kind::object_only:
-            return row.member_count > 0;
+            return row.member_count > 0 && row.pauses.when_sent == 0;
         case Kind::always:
             return holds_only(row.line, '\0') && row.type == JsonType::none;
         case Kind::pause:

@@ -3,11 +3,14 @@
 #include "unitconf/configuration.h"
 #include "unitconf/sections.h"
 
+// Behind the stream's own message, and sent also without a stream.
+static constexpr SectionRow progress_only = {nullptr, nullptr, nullptr, Progress::always};
+
 static constexpr SectionRow usbc_encoder_rows[] = {
     {"stream", "video", apply_usbc_encoder_video_section, Progress::none},
     {"stream", "audio", apply_usbc_encoder_audio_section, Progress::none},
     {"stream", "preview", apply_preview_section, Progress::with_parent},
-    {nullptr, nullptr, nullptr, Progress::always},
+    progress_only,
     {nullptr, "edid", apply_usbc_encoder_edid_section, Progress::always},
     {nullptr, "hdcp", apply_usbc_encoder_hdcp_section, Progress::always},
     {nullptr, "usb_host", apply_usb_host_section, Progress::always},
@@ -17,7 +20,7 @@ static constexpr SectionRow hdmi_encoder_rows[] = {
     {"stream", "video", apply_hdmi_encoder_video_section, Progress::none},
     {"stream", "audio", apply_hdmi_encoder_audio_section, Progress::none},
     {"stream", "preview", apply_preview_section, Progress::with_parent},
-    {nullptr, nullptr, nullptr, Progress::always},
+    progress_only,
     {nullptr, "edid", apply_hdmi_encoder_edid_section, Progress::always},
     {nullptr, "hdcp", apply_hdmi_encoder_hdcp_section, Progress::always},
     {nullptr, "usb_host", apply_usb_host_section, Progress::always},
@@ -27,7 +30,7 @@ static constexpr SectionRow decoder_rows[] = {
     {"stream", "video", apply_decoder_video_section, Progress::none},
     {"stream", "audio", apply_decoder_audio_section, Progress::none},
     {"stream", "preview", apply_preview_section, Progress::with_parent},
-    {nullptr, nullptr, nullptr, Progress::always},
+    progress_only,
     {nullptr, "edid", apply_decoder_edid_section, Progress::always},
     {nullptr, "hdcp", apply_decoder_hdcp_section, Progress::always},
     {nullptr, "no_stream_image", apply_no_stream_image_section, Progress::always},

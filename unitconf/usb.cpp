@@ -300,7 +300,7 @@ static bool store_roaming_layout(const Section& section, const cJSON* item) {
 
 // --- "usb_devices" -------------------------------------------------------------------------------
 
-// Keyboard/mouse and USB 2 have no switches of their own; documents carry them all the same.
+// Keyboard/mouse and USB 2 are accepted and switch nothing, so that documents with them apply.
 static constexpr Member usb_km_members[] = {
     exact_case(ignored("enable", JsonType::boolean, pause_always(1))),
 };

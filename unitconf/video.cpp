@@ -1,5 +1,4 @@
 // "stream"."video": what a unit sends or shows, how late, in which colours, and to whom.
-#include <cstdio>
 #include <cstring>
 
 #include "device/lines.h"
@@ -15,14 +14,12 @@ enum Latency : int { ultra_low_latency = 0, normal_latency = 1 };
 static constexpr Word latency_modes[] = {{"ull", ultra_low_latency}, {"normal", normal_latency}};
 
 // The latency flag is one digit of the video engine option, which is stored together with the
-// switch of the running video engine. The digit is put in its place whatever text the unit holds: a
-// text of four characters grows by it, in a shorter one it does not show.
+// switch of the running video engine.
 static void store_latency(const ParameterSnapshot& present, bool ultra_low) {
     static constexpr size_t latency_digit = 4;
-    char option[output_text_size] = {};
-    snprintf(option, sizeof option, "%s", present.value[slot_v_eng_drv_option]);
-    normalise_video_engine_option(option);
-    option[latency_digit] = ultra_low ? '0' : '1';
+    char option[output_text_size];
+    change_video_engine_option(option, present.value[slot_v_eng_drv_option], latency_digit,
+                               ultra_low ? '0' : '1');
     send_filled_line(
         Channel::shell,
         ultra_low ? "astparam s v_eng_drv_option %s;echo 1 > /sys/devices/platform/videoip/ull"
@@ -30,7 +27,7 @@ static void store_latency(const ParameterSnapshot& present, bool ultra_low) {
         option);
 }
 
-// A number that is no latency runs an empty line, as the unit is used to.
+// A number of 0 or more that is no latency runs an empty line.
 static bool apply_latency_mode(const Section& section, const cJSON* item) {
     const int mode = choice_code(item, latency_modes);
     if (mode < 0) {
@@ -46,14 +43,14 @@ static bool apply_latency_mode(const Section& section, const cJSON* item) {
 
 // Runs the line of the first mode whose name stands anywhere in the text, so that a text with both
 // names casts to one.
-template <const auto& modes>
-static bool apply_cast_mode(const Section&, const cJSON* item) {
+static bool apply_cast_mode(const Section& section, const cJSON* item) {
     if (!cJSON_IsString(item)) {
         return false;
     }
-    for (const Word& mode : modes) {
-        if (strstr(item->valuestring, mode.word) != nullptr) {
-            send_line(Channel::shell, mode.text);
+    const Vocabulary& modes = section.row->words;
+    for (size_t i = 0; i < modes.count; i++) {
+        if (strstr(item->valuestring, modes.words[i].word) != nullptr) {
+            send_line(Channel::shell, modes.words[i].text);
             return true;
         }
     }
@@ -153,8 +150,7 @@ static constexpr Member stream_enable(Pauses pauses) {
 }
 
 static constexpr Member encoder_cast_mode =
-    handled("cast_mode", JsonType::string, apply_cast_mode<encoder_cast_modes>, pause_when_sent(3),
-            encoder_cast_modes);
+    handled("cast_mode", JsonType::string, apply_cast_mode, pause_when_sent(3), encoder_cast_modes);
 
 // A multicast address of one's own counts only together with its switch, and the other way round.
 static constexpr Member custom_multicast_address(bool switch_exact_case) {
@@ -182,8 +178,7 @@ static constexpr Member decoder_members[] = {
     auto_switching_enable,
     auto_switching_prio(decoder_priorities),
     color_space,
-    handled("cast_mode", JsonType::string, apply_cast_mode<decoder_cast_modes>, pause_when_sent(1),
-            decoder_cast_modes),
+    handled("cast_mode", JsonType::string, apply_cast_mode, pause_when_sent(1), decoder_cast_modes),
     flag("hdmi_out_enable", mcu("hdmiout,on"), mcu("hdmiout,off"), pause_always(1)),
     ignored("no_stream_setting", JsonType::string, pause_always(1)),
 };
@@ -202,7 +197,7 @@ static constexpr Member hdmi_encoder_members[] = {
 };
 static_assert(well_formed(hdmi_encoder_members));
 
-// Documents for this model spell the switch of the multicast address in any case.
+// On this model alone the switch of the multicast address is looked up in any case.
 static constexpr Member usbc_encoder_members[] = {
     text("stream_number", "astparam s ch_select %s", reconnecting),
     video_mute_stream,

@@ -105,6 +105,10 @@ TEST_F(Files, WritingEmptiesOrCreatesTheFile) {
     EXPECT_EQ(names(), std::set<std::string>({"a"}));
 }
 
+TEST_F(Files, WritingToAFullDiskSaysSo) {
+    EXPECT_FALSE(write_file("/dev/full", "text", 4));
+}
+
 TEST_F(Files, WritingWhereNothingCanBeOpenedSaysSo) {
     EXPECT_FALSE(write_file(path("no/a").c_str(), "b", 1));
     EXPECT_FALSE(write_file(folder.c_str(), "b", 1));

@@ -6,7 +6,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <cerrno>
+#include <algorithm>
+#include <csignal>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -20,23 +21,28 @@
 
 namespace {
 
-// While there are interruptions to play, a signal ends each wait and so many whole seconds of it
-// are left.
-std::vector<unsigned> interruptions;
 std::vector<unsigned> waits;
-unsigned rest_without_a_signal = 0;
+
+// The signals that come during each wait, and those that were taken so far, before a wait ended and
+// in all.
+std::vector<int> coming_signals;
+std::vector<int> taken_signals;
+size_t taken_while_waiting = 0;
+
+void take_signal(int signal) {
+    taken_signals.push_back(signal);
+}
 
 }  // namespace
 
 extern "C" unsigned sleep(unsigned seconds) {
     waits.push_back(seconds);
-    if (interruptions.empty()) {
-        return rest_without_a_signal;
+    for (const int signal : coming_signals) {
+        raise(signal);
     }
-    const unsigned left = interruptions.front();
-    interruptions.erase(interruptions.begin());
-    errno = EINTR;
-    return left;
+    taken_while_waiting += taken_signals.size();
+    // Some clocks that run fast under test hand back a rest although nothing came.
+    return 4000000000U;
 }
 
 namespace {
@@ -48,7 +54,9 @@ class Shell : public testing::Test {
         ASSERT_NE(mkdtemp(pattern.data()), nullptr);
         folder = pattern;
         waits.clear();
-        interruptions.clear();
+        coming_signals.clear();
+        taken_signals.clear();
+        taken_while_waiting = 0;
     }
 
     void TearDown() override {
@@ -220,20 +228,23 @@ TEST_F(Shell, APauseIsItsSeconds) {
     EXPECT_EQ(waits, (std::vector<unsigned>{1, 3}));
 }
 
-TEST_F(Shell, AnInterruptedPauseGoesOnToItsVeryEnd) {
-    // What is left is told in whole seconds, cut: 2.9, 1.4 and 0.1 seconds here.
-    interruptions = {2, 1, 0};
-    pause_seconds(3);
-    EXPECT_EQ(waits, (std::vector<unsigned>{3, 3, 2, 1}));
-}
-
-TEST_F(Shell, ARestThatNoSignalLeftIsNotWaitedFor) {
-    // Clocks that run fast under test hand back such rests.
-    rest_without_a_signal = 4000000000U;
-    errno = EINTR;
+TEST_F(Shell, SignalsNeitherShortenNorLengthenAPause) {
+    coming_signals = {SIGHUP, SIGTERM, SIGPIPE, SIGTERM};
+    for (const int signal : coming_signals) {
+        struct sigaction action = {};
+        action.sa_handler = take_signal;
+        sigaction(signal, &action, nullptr);
+    }
     pause_seconds(2);
-    rest_without_a_signal = 0;
     EXPECT_EQ(waits, (std::vector<unsigned>{2}));
+    EXPECT_EQ(taken_while_waiting, 0U);
+    std::sort(taken_signals.begin(), taken_signals.end());
+    EXPECT_EQ(taken_signals, (std::vector<int>{SIGHUP, SIGPIPE, SIGTERM}));
+    raise(SIGTERM);
+    EXPECT_EQ(taken_signals.size(), 4U) << "the signals are still held";
+    for (const int signal : coming_signals) {
+        std::signal(signal, SIG_DFL);
+    }
 }
 
 }  // namespace

@@ -11,16 +11,24 @@ A test of a section is a document and the journal that it must give:
 
 Environment: GATEWAY_BUILD_DIR, folder with models/<MODEL>/upload_gateway and sim/ (default: build);
 SIM_BUILD_DIR, folder with unit_tool and libfast_clock.so where it is not $GATEWAY_BUILD_DIR/sim;
+GATEWAY_ARMHF_BUILD_DIR, the same folder built for 32-bit ARM (default: build-armhf);
 GATEWAY_PRELOAD, libraries to preload into the gateway, separated by colons.
+
+A gateway that was built with sanitizers may report: the test in which it does fails.
 """
 
+import contextlib
 import dataclasses
 import json
 import os
 import re
+import shutil
+import signal
 import subprocess
 import sys
+import tempfile
 import textwrap
+import time
 
 import pytest
 
@@ -42,56 +50,96 @@ TYPE_MODIFIED = "Invalid file, do not modify the type field in the JSON data."
 MAC_READ = ["line astparam g ethaddr", "tool astparam g ethaddr"]
 
 
+# Where the gateways of this run report to.
+reports = None
+
+
 def pytest_configure(config):
+    global reports
     # Nothing is left in the source tree.
     sys.dont_write_bytecode = True
+    reports = tempfile.mkdtemp(prefix="gateway-reports-")
+
+
+def pytest_unconfigure(config):
+    shutil.rmtree(reports)
+
+
+def assert_no_reports():
+    names = os.listdir(reports)
+    if names:
+        # Time to write it to its end.
+        time.sleep(1)
+    texts = []
+    for name in names:
+        with open(os.path.join(reports, name), encoding="utf-8", errors="replace") as file:
+            texts.append(file.read())
+        os.unlink(os.path.join(reports, name))
+    assert not texts, "\n".join(texts)
+
+
+@pytest.fixture(autouse=True)
+def no_sanitizer_report():
+    """Fails the test in which a gateway reported; the next one when it did behind its reply."""
+    yield
+    assert_no_reports()
+
+
+def built(build, model):
+    """The gateway of a model in a build folder."""
+    return os.path.join(build, "models", model, "upload_gateway")
 
 
 def start_unit(model, **options):
     return simulated_unit.start(
-        model, os.path.join(BUILD, "models", model, "upload_gateway"),
-        tools=os.environ.get("SIM_BUILD_DIR", os.path.join(BUILD, "sim")),
-        preload=[one for one in os.environ.get("GATEWAY_PRELOAD", "").split(":") if one], **options)
+        model, **{"gateway": built(BUILD, model),
+                  "tools": os.environ.get("SIM_BUILD_DIR", os.path.join(BUILD, "sim")),
+                  "preload": [one for one in os.environ.get("GATEWAY_PRELOAD", "").split(":") if one],
+                  "reports": reports, **options})
 
 
 @pytest.fixture(scope="session")
 def running_units():
-    """One unit a model, started when first asked for."""
+    """One unit of a kind, started when first asked for."""
     units = {}
     yield units
     for unit in units.values():
+        wait_until(lambda unit=unit: not unit.gateway_pids())
         unit.stop()
+    assert_no_reports()
 
 
-def _fresh(units, model):
-    if model not in units or not units[model].running():
-        units[model] = start_unit(model)
-    units[model].reset()
-    return units[model]
+def fresh_unit(units, model, kind="lighttpd", **options):
+    """A factory-fresh unit of the kind that these options make."""
+    key = (model, kind)
+    if key not in units or not units[key].running():
+        units[key] = start_unit(model, **options)
+    units[key].reset()
+    return units[key]
 
 
 @pytest.fixture
 def u300(running_units):
     """A factory-fresh encoder with HDMI and USB-C inputs."""
-    return _fresh(running_units, U300)
+    return fresh_unit(running_units, U300)
 
 
 @pytest.fixture
 def e100(running_units):
     """A factory-fresh encoder with an HDMI input."""
-    return _fresh(running_units, E100)
+    return fresh_unit(running_units, E100)
 
 
 @pytest.fixture
 def d200(running_units):
     """A factory-fresh decoder."""
-    return _fresh(running_units, D200)
+    return fresh_unit(running_units, D200)
 
 
 @pytest.fixture(params=simulated_unit.MODELS)
 def any_unit(request, running_units):
     """Each model in turn."""
-    return _fresh(running_units, request.param)
+    return fresh_unit(running_units, request.param)
 
 
 # ---- requests ----
@@ -105,12 +153,53 @@ class Reply:
 
 def curl(unit, *arguments, body=None, timeout=60):
     """One request by the real curl. `body` is what "@-" in the arguments stands for."""
-    done = subprocess.run(
-        ["curl", "-sS", "-i", "--raw", "-H", "Expect:", "--max-time", str(timeout), *arguments],
-        input=body, capture_output=True, check=False)
-    assert done.returncode == 0, done.stderr.decode()
-    headers, _, content = done.stdout.partition(b"\r\n\r\n")
+    status, output = run_curl(unit, *arguments, body=body, timeout=timeout)
+    assert status == 0, f"curl ended with {status}"
+    return reply_in(output)
+
+
+def run_curl(unit, *arguments, body=None, timeout=60):
+    """The same where the server may answer with nothing: curl's exit status and what it received."""
+    command = ["/usr/bin/curl", "-sS", "-i", "--raw", "-H", "Expect:", "--max-time", str(timeout),
+               *arguments]
+    if unit.inside:
+        return unit.run(command, stdin=body, timeout=timeout + 10)
+    done = subprocess.run(command, input=body, stdout=subprocess.PIPE, check=False)
+    return done.returncode, done.stdout
+
+
+def reply_in(output):
+    """The reply in these bytes. A program that speaks for itself may end its lines in LF alone."""
+    headers, content = re.split(rb"\r?\n\r?\n", output, maxsplit=1)
     return Reply(int(headers.split()[1]), headers, content)
+
+
+@contextlib.contextmanager
+def leaving_client(unit, *arguments, body):
+    """A client that is still there when the block begins and gone when it ends. It is sent the body as
+    "@-", like the others."""
+    command = ["/usr/bin/curl", "-sS", "-H", "Expect:", *arguments]
+    with open(os.memfd_create("body"), "w+b", buffering=0) as given:
+        given.write(body)
+        given.seek(0)
+        if not unit.inside:
+            with subprocess.Popen(command, stdin=given, stdout=subprocess.DEVNULL,
+                                  stderr=subprocess.DEVNULL) as client:
+                yield
+                client.kill()
+            return
+        ended = unit.spawn(command, stdin=given.fileno())
+        yield
+        (client,) = unit.pids("curl")
+        os.kill(client, signal.SIGKILL)
+        unit.exit_status(ended)
+
+
+def wait_until(condition, timeout=20):
+    end = time.monotonic() + timeout
+    while not condition():
+        assert time.monotonic() < end
+        time.sleep(0.005)
 
 
 def post(unit, content, field="UnitConfUpload", content_type="application/json"):

@@ -3,12 +3,11 @@ client, the web server or what the tools leave running."""
 
 import os
 import signal
-import subprocess
 import time
 
 import pytest
 
-from conftest import (HEADERS, REPOSITORY, U300, as_bytes, form, post, start_unit, success, told)
+from conftest import HEADERS, REPOSITORY, U300, form, post, start_unit, success, told
 
 COMPLETE = ["line astparam g ethaddr", "line cp /dev/shm/rwparam /dev/shm/rwparam_temp",
             'line astparam s deviceName "n" > /dev/null 2>&1', "progress 1-25", "line astparam save;",
@@ -68,7 +67,7 @@ def test_ASignalDuringALineDoesNotEndTheConfiguration(u300, number, held):
 
 
 @pytest.mark.parametrize("number", [signal.SIGTERM, signal.SIGHUP])
-def test_ASignalDuringAPauseDoesNotShortenIt(number):
+def test_SignalsDuringAPauseNeitherShortenNorLengthenIt(number):
     with start_unit(U300, real_time=True) as unit, \
             open(os.memfd_create("output"), "w+b", buffering=0) as output:
         ended = spawn_gateway(unit, output.fileno())
@@ -76,12 +75,13 @@ def test_ASignalDuringAPauseDoesNotShortenIt(number):
         saved = time.monotonic()
         (pid,) = unit.gateway_pids()
         time.sleep(0.3)
-        for _ in range(3):
-            deliver(pid, number)
+        sent = 0
+        while not unit.rebooted() and time.monotonic() < saved + 5:
+            os.kill(pid, number)
+            sent += 1
             time.sleep(0.05)
-        assert not unit.rebooted()
-        unit.wait_for("rebooted")
-        assert time.monotonic() - saved > 0.9
+        assert sent > 5
+        assert 0.9 < time.monotonic() - saved < 2.5
         assert unit.exit_status(ended) == 0
         output.seek(0)
         assert output.read() == HEADERS + success(unit)
@@ -98,25 +98,6 @@ def test_ToolsDoNotInheritWhatKeepsTheGatewayRunning(u300):
         assert [mask >> (number - 1) & 1 for mask in masks] == [0, 0]
 
 
-def test_AClientThatLeavesDoesNotEndTheConfiguration(u300):
-    with u300.held("astparam s deviceName"):
-        with subprocess.Popen(
-                ["curl", "-sS", "-F", "UnitConfUpload=@-;filename=f;type=application/json", u300.url],
-                stdin=subprocess.PIPE, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL) as client:
-            client.stdin.write(as_bytes(document(u300)))
-            client.stdin.close()
-            u300.wait_for("tool astparam s deviceName n")
-            pids = u300.gateway_pids()
-            client.kill()
-            client.wait()
-        # Time for the web server to notice, and to do about it what it does.
-        time.sleep(0.3)
-        assert u300.gateway_pids() == pids and len(pids) == 1
-        assert not u300.rebooted()
-    u300.wait_for("rebooted")
-    assert told(u300) == COMPLETE
-
-
 def test_AReplyThatNobodyReadsDoesNotEndTheConfiguration(u300):
     read_end, write_end = os.pipe()
     with u300.held("astparam s deviceName"):
@@ -127,21 +108,6 @@ def test_AReplyThatNobodyReadsDoesNotEndTheConfiguration(u300):
     u300.exit_status(ended)
     u300.wait_for("rebooted")
     assert told(u300) == COMPLETE
-
-
-def test_AToolLeftInTheBackgroundDoesNotDelayTheClient(u300):
-    u300.put_tool("e", "#!/bin/busybox sh\nexec sleep 30\n")
-    begun = time.monotonic()
-    reply = post(u300, {"model": u300.model})
-    seconds = time.monotonic() - begun
-    # The reply may be faster than the tool's start.
-    while not (running := u300.pids("sleep")) and time.monotonic() < begun + 20:
-        time.sleep(0.005)
-    for pid in running:
-        os.kill(pid, signal.SIGKILL)
-    assert reply.body == success(u300)
-    assert len(running) == 1
-    assert seconds < 10
 
 
 def test_TwoRequestsAtATimeAreBothAnswered(u300):

@@ -107,8 +107,6 @@ def test_NoByteBehindTheLengthIsTaken(u300, size, length, taken):
 
 
 def test_ReadsNeverAskForMoreThanIsAnnounced(u300):
-    if not os.path.exists("/usr/bin/strace"):
-        pytest.skip("strace is not installed")
     length, size = 300_000, 400_000
     environment = {**u300.cgi_environment, "REQUEST_METHOD": "POST", "CONTENT_LENGTH": str(length)}
     u300.run(["/usr/bin/strace", "-o", "/tmp/trace", "-e", "trace=read",
@@ -120,7 +118,8 @@ def test_ReadsNeverAskForMoreThanIsAnnounced(u300):
         assert wanted <= left
         left -= got
     assert left == 0
-    assert len(reads) <= length
+    # A pipe hands over a page at a time at the least.
+    assert len(reads) <= length // 4096 + 1
 
 
 def test_TheReplyComesWhileTheClientKeepsThePipeOpen(u300):

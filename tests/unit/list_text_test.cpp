@@ -49,10 +49,6 @@ TEST(ListText, LineBreaksAndTabsAreDroppedOrKept) {
     EXPECT_EQ(encoded("a b\v\f\bc", LineBreaks::drop), "a b\v\f\bc");
 }
 
-TEST(ListText, ALineBreakWithinTheLettersIsNoQuote) {
-    EXPECT_EQ(decoded("TA\nG", LineBreaks::drop), "TAG");
-}
-
 TEST(ListText, DecodingGivesBackWhatWasEncoded) {
     const std::string json = R"({"data":[{"name":"a b","code":"0x0D\n"}],"":""})";
     EXPECT_EQ(decoded(encoded(json, LineBreaks::drop), LineBreaks::drop), json);
@@ -63,6 +59,15 @@ TEST(ListText, TextsOfNothingButQuotesAreWhole) {
     const std::string tags = encoded(quotes, LineBreaks::drop);
     EXPECT_EQ(tags.size(), 300000U);
     EXPECT_EQ(decoded(tags, LineBreaks::drop), quotes);
+}
+
+TEST(ListText, AWordThatALineBreakPartsIsAQuoteOnceTheBreakIsDropped) {
+    char* dropped = decode_list_text("T\nAGaTA\r\tGTTAGAG", LineBreaks::drop);
+    EXPECT_STREQ(dropped, "\"a\"T\"AG");
+    free(dropped);
+    char* kept = decode_list_text("T\nAGaTAG", LineBreaks::keep);
+    EXPECT_STREQ(kept, "T\nAGa\"");
+    free(kept);
 }
 
 }  // namespace

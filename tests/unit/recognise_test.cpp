@@ -102,15 +102,18 @@ std::unique_ptr<char[]> bytes_of(const std::string& request) {
     return bytes;
 }
 
+// The dispatcher shows only what stands before the first NUL.
 std::string found_field(const std::string& request) {
-    const std::unique_ptr<char[]> bytes = bytes_of(request);
-    const char* field = recognised_field(bytes.get(), request.size());
+    const std::string text = text_of(request);
+    const std::unique_ptr<char[]> bytes = bytes_of(text);
+    const char* field = recognised_field(bytes.get(), text.size());
     return field == nullptr ? "" : field;
 }
 
 std::string found_content(const std::string& request, size_t most) {
-    const std::unique_ptr<char[]> bytes = bytes_of(request);
-    const Content content = find_content(bytes.get(), request.size(), most);
+    const std::string text = text_of(request);
+    const std::unique_ptr<char[]> bytes = bytes_of(text);
+    const Content content = find_content(bytes.get(), text.size(), most);
     return described(content.begin, content.length, most);
 }
 

@@ -37,9 +37,8 @@ static bool set_encryption_strength(const Section& section, const cJSON* item) {
         return true;
     }
     char option[output_text_size];
-    memcpy(option, section.present->value[slot_v_eng_drv_option], sizeof option);
-    normalise_video_engine_option(option);
-    option[strength_digit] = strength == strength_standard ? '8' : '0';
+    change_video_engine_option(option, section.present->value[slot_v_eng_drv_option],
+                               strength_digit, strength == strength_standard ? '8' : '0');
     send_filled_line(Channel::shell, "astparam s v_eng_drv_option %s;", option);
     return true;
 }

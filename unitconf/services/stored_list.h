@@ -11,7 +11,7 @@ struct ListFiles {
 };
 
 // Stores a document as the list: printed in one line, in the stored form of device/list_text.h. The
-// list stays as it was when the working file cannot be opened; neither line is run then.
+// list stays as it was when the working file cannot be written whole; neither line is run then.
 void store_list(const ListFiles& files, const cJSON* document);
 
 // Stores {"data": value}; the value, of any JSON type, stays the caller's.
