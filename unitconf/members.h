@@ -490,7 +490,7 @@ constexpr bool well_formed_row(const Member& row) {
             return row.type != JsonType::none;
         case Kind::object:
         case Kind::object_only:
-            return row.member_count > 0 && row.pauses.when_sent == 0;
+            return row.member_count > 0;
         case Kind::always:
             return holds_only(row.line, '\0') && row.type == JsonType::none;
         case Kind::pause:
