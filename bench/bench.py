@@ -145,6 +145,7 @@ def instructions(command, path, with_loader=False):
 
 
 def measure_intake(measuring):
+    clean_unit(effects.MODELS[0])
     for kind, (field, limit, parses) in KINDS.items():
         for size_name, size in SIZES.items():
             path = write_file(refused_body(field, size))
@@ -444,8 +445,9 @@ def measure(arguments):
     unit = sandbox.start_unit(built("bench", "bench_unit"))
     measuring = Measuring(arguments.quick)
     try:
-        for part in arguments.parts or PARTS:
-            PARTS[part](measuring)
+        for part, measure_part in PARTS.items():
+            if not arguments.parts or part in arguments.parts:
+                measure_part(measuring)
     finally:
         unit.kill()
     with open("/results/bench-results.json", "w", encoding="utf-8") as file:

@@ -169,6 +169,11 @@ static bool may_reconnect(const char* audio_addon, const char* dante_mode) {
 }
 
 static WallResult apply_document(const cJSON* document) {
+    const Screen screen = read_screen(document);
+    Place place;
+    if (!is_complete(screen) || !read_place(document, &place)) {
+        return wall_member_missing;
+    }
     char variant[output_text_size] = {};
     char audio_addon[output_text_size] = {};
     char dante_mode[output_text_size] = {};
@@ -176,11 +181,6 @@ static WallResult apply_document(const cJSON* document) {
     lm_get_value("A_ADDON=", audio_addon);
     lm_get_value("DANTE_OP_MODE=", dante_mode);
 
-    const Screen screen = read_screen(document);
-    Place place;
-    if (!is_complete(screen) || !read_place(document, &place)) {
-        return wall_member_missing;
-    }
     const char* rotation = code_of(screen.rotation, rotation_codes);
     const char* stretch = code_of(screen.stretch, stretch_codes);
     const bool limited = place.in_grid && variant[0] == '1';

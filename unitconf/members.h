@@ -450,16 +450,20 @@ constexpr bool well_formed_words(const Vocabulary& words, bool texts) {
     return words.count > 0;
 }
 
-constexpr bool well_formed_row(const Member& row) {
+// The keys of a row: its own, where its kind has one, and those of what it looks at beside it.
+constexpr bool well_formed_keys(const Member& row) {
     const bool needs_key = row.kind != Kind::always && row.kind != Kind::pause;
     if (needs_key != (row.key != nullptr && row.key[0] != '\0')) {
         return false;
     }
-    if ((row.parent != nullptr && (!needs_key || row.parent[0] == '\0')) ||
-        (row.partner != nullptr && row.partner[0] == '\0') ||
-        (row.of_whole_section && !needs_key) ||
-        (row.displaced_by != nullptr && (!needs_key || row.displaced_by[0] == '\0')) ||
-        (row.then.text != nullptr && !holds_only(row.then, '\0'))) {
+    return (row.parent == nullptr || (needs_key && row.parent[0] != '\0')) &&
+           (row.partner == nullptr || row.partner[0] != '\0') &&
+           (!row.of_whole_section || needs_key) &&
+           (row.displaced_by == nullptr || (needs_key && row.displaced_by[0] != '\0'));
+}
+
+constexpr bool well_formed_row(const Member& row) {
+    if (!well_formed_keys(row) || (row.then.text != nullptr && !holds_only(row.then, '\0'))) {
         return false;
     }
     switch (row.kind) {
