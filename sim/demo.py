@@ -4,6 +4,7 @@ scripts/demo installs and builds what this needs and then runs it.
 """
 
 import argparse
+import errno
 import json
 import os
 import shlex
@@ -28,12 +29,25 @@ FIELDS = {
 }
 
 
+# The certificates and keys of the demonstrated unit; a factory-fresh one has none. What they say is
+# made up, and short enough to read back from the reply: the unit's crypto_program writes base64.
+CERTIFICATES = {f"/user_data2/{name}": f"made-up {name} of the demo\n".encode()
+                for name in ("CAFile", "CERTFile", "KEYFile", "HTTPS_CAFILE", "ca.pem")}
+
+
+def port_number(text):
+    if not text.isascii() or not text.isdigit() or int(text) > 65535:
+        raise argparse.ArgumentTypeError(f"{text!r} is no port: choose 0 to 65535 (0: a free one)")
+    return int(text)
+
+
 def read_arguments():
     parser = argparse.ArgumentParser(
         prog="scripts/demo",
         description="Starts a simulated unit with the upload gateway in it, posts a file to it and "
                     "shows what the unit was told. Nothing is left behind when it ends.",
-        epilog="kinds: " + ", ".join(f"{short} ({field})" for short, field in FIELDS.items()))
+        epilog="kinds: " + ", ".join(f"{short} ({field})" for short, field in FIELDS.items()),
+        allow_abbrev=False)
     parser.add_argument("--model", default="u300",
                         help="the unit: u300, e100, d200 or a full model name (default: u300)")
     parser.add_argument("--file", help="post this file (default: the model's example configuration)")
@@ -42,12 +56,15 @@ def read_arguments():
                              "certificates asks for the stored certificates and takes no file")
     parser.add_argument("--serve", action="store_true",
                         help="leave the unit running until Ctrl-C and show what it is told")
-    parser.add_argument("--port", type=int, default=0, help="port of the unit's web server")
+    parser.add_argument("--port", type=port_number, default=0,
+                        help="port of the unit's web server (default: 0, a free one)")
     parser.add_argument("--real-time", action="store_true",
                         help="let the gateway's pauses take as long as on the appliance")
     parser.add_argument("--raw", action="store_true",
                         help="print the journal whole and as it stands")
     parser.add_argument("--build", default=os.path.join(REPOSITORY, "build"), help=argparse.SUPPRESS)
+    # Only looks at the arguments, before anything is built for them.
+    parser.add_argument("--check", action="store_true", help=argparse.SUPPRESS)
     options = parser.parse_args()
     options.model = SHORT_MODELS.get(options.model.lower(), options.model)
     if options.model not in simulated_unit.MODELS:
@@ -81,6 +98,8 @@ def curl_command(url, field, path):
 def readable(entry):
     """One journal entry for a person; None for what only repeats another entry."""
     kind, _, text = entry.partition(" ")
+    if kind in ("line", "mcu") and not text:
+        text = "(empty)"
     if kind == "status" and text.startswith("upgradeUnitSetting:"):
         step, _, total = text.partition(":")[2].partition(",")
         return f"--- progress {step} of {total}"
@@ -111,6 +130,33 @@ class Teller:
         self.told = len(entries)
 
 
+def counted(number, noun):
+    return f"{number} {noun}{'' if number == 1 else 's'}"
+
+
+def summary(entries):
+    """What the unit was told, in numbers. A script on a shell's standard input is a line too."""
+    kinds = [entry.partition(" ")[0] for entry in entries]
+    panel = counted(kinds.count("mcu"), "command")
+    if "mcu" in entries:
+        panel += f" ({entries.count('mcu')} empty)"
+    edid = sum(len(bytes.fromhex(entry.split(" ")[1])) for entry in entries
+               if entry.startswith("mcu-edid "))
+    if edid:
+        panel += f" and an EDID of {counted(edid, 'byte')}"
+    return (f"The unit ran {counted(kinds.count('line') + kinds.count('script'), 'shell line')}, "
+            f"its front panel got {panel}, "
+            f"it {'was' if 'rebooted' in entries else 'was not'} restarted.")
+
+
+def put_certificates(unit):
+    for path, content in CERTIFICATES.items():
+        unit.write(path, content)
+    print(f"The unit holds {len(CERTIFICATES)} made-up files: {', '.join(CERTIFICATES)}.\n"
+          "The reply has each as crypto_program encrypts it (here: base64), and an empty text for every\n"
+          "file that is not there.\n", flush=True)
+
+
 def post(unit, options, teller):
     command = curl_command(unit.url, options.kind, options.file)
     print("$ " + shlex.join(command) + "\n", flush=True)
@@ -126,10 +172,7 @@ def post(unit, options, teller):
     teller.tell(unit.journal())
     seconds = time.monotonic() - begun
     print(f"\nReply after {seconds:.1f} s:\n{reply or '(none)'}\n")
-    entries = unit.journal()
-    print(f"The unit ran {sum(entry.startswith('line') for entry in entries)} shell lines, "
-          f"its front panel got {sum(entry.startswith('mcu ') for entry in entries)} commands, "
-          f"it {'was' if unit.rebooted() else 'was not'} restarted.")
+    print(summary(unit.journal()))
     if curl.returncode != 0:
         return 1
     try:
@@ -151,6 +194,8 @@ def serve(unit, options, teller):
 
 def main():
     options = read_arguments()
+    if options.check:
+        return 0
     simulated_unit.stop_on_signals()
     if options.file:
         options.file = os.path.abspath(options.file)
@@ -159,15 +204,21 @@ def main():
     try:
         with simulated_unit.start(options.model, gateway, tools, real_time=options.real_time,
                                   port=options.port) as unit:
+            if not options.serve:
+                print(f"A simulated {options.model} is up.", flush=True)
+            if options.kind == "getCaEncryptData":
+                put_certificates(unit)
             teller = Teller(unit, options.raw)
             if options.serve:
                 return serve(unit, options, teller)
-            print(f"A simulated {options.model} is up.", flush=True)
             return post(unit, options, teller)
     except KeyboardInterrupt:
         print()
         return 0 if options.serve else 130
     except (simulated_unit.UnitError, OSError) as error:
+        if isinstance(error, OSError) and (error.errno == errno.EADDRINUSE or (
+                error.errno == errno.EACCES and 0 < options.port < 1024)):
+            error = f"port {options.port}: {error.strerror}"
         print(f"demo: {error}", file=sys.stderr)
         return 1
 

@@ -5,8 +5,10 @@
 #include <cstdio>
 #include <cstring>
 #include <string>
+#include <vector>
 
 #include "docs/reference/notes.h"
+#include "unitconf/models.h"
 #include "unitconf/tables.h"
 
 namespace {
@@ -40,14 +42,19 @@ std::string model_names(unsigned models) {
     return names;
 }
 
-const char* note_of(const SectionTable& table, const std::string& path) {
+const Note* note_of(const SectionTable& table, const std::string& path) {
     for (const Note& note : notes) {
         if (strcmp(note.section, table.section) == 0 && (note.models & table.models) != 0 &&
             path == note.member) {
-            return note.text;
+            return &note;
         }
     }
     return nullptr;
+}
+
+// Puts a further remark behind the text of a cell.
+void append_remark(std::string* text, const std::string& remark) {
+    *text += (text->empty() ? "" : "; ") + remark;
 }
 
 const char* type_name(JsonType type) {
@@ -97,7 +104,7 @@ std::string words_and_limits(const Member& row) {
             return std::string(row.not_empty ? "not empty; " : "") + "begins with " +
                    quoted(row.own.beginning) + ", or does not";
         case Kind::text:
-            return row.own.test == nullptr ? "not empty" : "not empty, and valid";
+            return row.own.test == nullptr ? "not empty" : "not empty, and a valid address";
         case Kind::any_text:
             return row.not_empty ? "not empty" : "";
         case Kind::number_list:
@@ -120,7 +127,7 @@ std::string what_is_told(const Member& row) {
         text += " / " + line_of(row.other);
     }
     if (row.kind == Kind::flag_or_empty) {
-        text += "; not a boolean: an empty command";
+        append_remark(&text, "not a boolean: an empty command");
     }
     if (row.kind == Kind::number_in_range && row.offset != 0) {
         text += " with " + std::to_string(row.offset) + " added";
@@ -129,13 +136,13 @@ std::string what_is_told(const Member& row) {
         text += ", then " + line_of(row.then);
     }
     if (row.kind == Kind::ignored) {
-        text = "nothing";
-    }
-    if (row.partner != nullptr) {
-        text += "; only together with " + code(row.partner);
+        text = row.partner == nullptr ? "nothing" : "read by " + code(row.partner);
+    } else if (row.partner != nullptr) {
+        append_remark(&text, "only together with " + code(row.partner));
     }
     if (row.displaced_by != nullptr) {
-        text += "; only without an object " + code(row.displaced_by) + " in the section";
+        append_remark(&text,
+                      "only without an object " + code(row.displaced_by) + " in the section");
     }
     return text;
 }
@@ -158,11 +165,10 @@ std::string pauses_of(const Member& row) {
 void print_rows(const SectionTable& table, const std::string& path, const Member* rows,
                 size_t count);
 
-void add_note(const SectionTable& table, const Member& row, const std::string& name,
-              std::string* told) {
-    const char* note = note_of(table, name);
+void add_note(const Note* note, const SectionTable& table, const Member& row,
+              const std::string& name, std::string* told) {
     if (note != nullptr) {
-        *told += (told->empty() ? "" : "; ") + std::string(note);
+        append_remark(told, note->text);
     } else if (row.kind == Kind::handled) {
         fprintf(stderr, "no note for %s %s\n", table.section, name.c_str());
         note_missing = true;
@@ -174,18 +180,29 @@ void add_note(const SectionTable& table, const Member& row, const std::string& n
     }
 }
 
+// What is done in any case is shown with the object that has to be there for it; `path` is that
+// object's, with the dot behind it.
+std::string always_of(const std::string& path) {
+    return (path.empty() ? "" : code(path.substr(0, path.size() - 1)) + " ") + "(always)";
+}
+
 void print_row(const SectionTable& table, const std::string& path, const Member& row) {
     std::string name;
     std::string told = what_is_told(row);
+    std::string limits = words_and_limits(row);
     if (row.key != nullptr) {
         name = row.of_whole_section ? "" : path;
         name += (row.parent == nullptr ? "" : std::string(row.parent) + ".") + row.key;
-        add_note(table, row, name, &told);
+        const Note* note = note_of(table, name);
+        add_note(note, table, row, name, &told);
+        if (note != nullptr && note->limits != nullptr) {
+            limits = note->limits;
+        }
     }
-    const std::string shown = row.key != nullptr ? code(name) : "(always)";
+    const std::string shown = row.key != nullptr ? code(name) : always_of(path);
     printf("| %s | %s%s | %s | %s | %s |\n", shown.c_str(), type_name(row.type),
-           row.key != nullptr && row.exact_case ? ", exact case" : "",
-           words_and_limits(row).c_str(), told.c_str(), pauses_of(row).c_str());
+           row.key != nullptr && row.exact_case ? ", exact case" : "", limits.c_str(), told.c_str(),
+           pauses_of(row).c_str());
     if (row.member_count > 0) {
         print_rows(table, name + ".", row.own.members, row.member_count);
     }
@@ -200,19 +217,83 @@ void print_rows(const SectionTable& table, const std::string& path, const Member
 
 void print_table(const SectionTable& table) {
     printf("\n### %s, %s\n\n", code(table.section).c_str(), model_names(table.models).c_str());
-    const char* about = note_of(table, "");
+    const Note* about = note_of(table, "");
     if (about != nullptr) {
-        printf("%s\n\n", about);
+        printf("%s\n\n", about->text);
     }
     printf("| Member | Type | Words, limits | What the unit is told | Pause behind it (s) |\n");
     printf("|---|---|---|---|---|\n");
     print_rows(table, "", table.rows, table.count);
 }
 
+// --- The overview --------------------------------------------------------------------------------
+
+// The anchor that a heading gets where the page is shown: lower case, blanks as hyphens, without
+// punctuation.
+std::string anchor_of(const std::string& title) {
+    std::string anchor;
+    for (const char letter : title) {
+        if (letter >= 'A' && letter <= 'Z') {
+            anchor += static_cast<char>(letter - 'A' + 'a');
+        } else if (letter == ' ') {
+            anchor += '-';
+        } else if (letter != '.' && letter != ',') {
+            anchor += letter;
+        }
+    }
+    return anchor;
+}
+
+void print_contents() {
+    for (const char* title : introduction_headings) {
+        printf("- [%s](#%s)\n", title, anchor_of(title).c_str());
+    }
+    for (const Chapter& chapter : chapters) {
+        printf("- [%s](#%s)\n", chapter.title, anchor_of(chapter.title).c_str());
+    }
+}
+
+// The keys of the document whose steps a model's progress messages tell, in their order. A step
+// without a key has only its message.
+std::vector<std::string> steps_of(const ModelSections& sections) {
+    std::vector<std::string> steps;
+    for (const SectionRun& run : sections.runs) {
+        for (size_t i = 0; i < run.count; i++) {
+            const SectionRow& row = run.rows[i];
+            if (row.progress == Progress::with_parent) {
+                steps.push_back(code(row.parent));
+            } else if (row.progress == Progress::always) {
+                steps.push_back(row.key == nullptr ? "(only the message)" : code(row.key));
+            }
+        }
+    }
+    return steps;
+}
+
+void print_steps() {
+    const std::vector<std::string> columns[] = {steps_of(usbc_encoder_sections),
+                                                steps_of(hdmi_encoder_sections),
+                                                steps_of(decoder_sections)};
+    printf(
+        "| Step | ZAVO-ENC-U300-DA | ZAVO-ENC-E100-DA | ZAVO-DEC-D200-DA |\n|---|---|---|---|\n");
+    for (size_t step = 0; step < columns[2].size(); step++) {
+        printf("| %zu |", step + 1);
+        for (const std::vector<std::string>& column : columns) {
+            printf(" %s |", step < column.size() ? column[step].c_str() : "");
+        }
+        printf("\n");
+    }
+}
+
 }  // namespace
 
 int main() {
-    fputs(introduction, stdout);
+    fputs(title_and_summary, stdout);
+    print_contents();
+    fputs(how_it_is_read, stdout);
+    fputs(order_and_progress, stdout);
+    print_steps();
+    fputs(identity_chapter, stdout);
     for (const Chapter& chapter : chapters) {
         printf("\n## %s\n", chapter.title);
         if (chapter.text != nullptr) {

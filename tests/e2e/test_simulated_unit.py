@@ -1,8 +1,11 @@
 """The simulated unit itself: a test of the gateway is worth only as much as what it runs in."""
 
+import base64
 import contextlib
+import json
 import os
 import signal
+import socket
 import subprocess
 import sys
 import time
@@ -283,6 +286,54 @@ def test_TheDemoFailsWhenTheUploadIsRefused(tmp_path):
     done = demo("--file", str(file))
     assert done.returncode == 1
     assert '"feedback":"The uploaded file format is not JSON"' in done.stdout
+
+
+@pytest.mark.parametrize("arguments", [
+    ("--port", "65536"), ("--port", "-1"), ("--port", "x"), ("--model", "x"), ("--kind", "x"),
+    ("--file", "/nowhere"), ("--kind", "edid"), ("--kind", "certificates", "--file", "/etc/passwd")])
+def test_TheDemoTellsWrongArgumentsBeforeItNeedsAnything(arguments):
+    done = demo("--check", *arguments)
+    assert (done.returncode, done.stdout) == (2, "")
+    assert "demo: error: " in done.stderr and "Traceback" not in done.stderr
+
+
+def test_TheDemoFindsNothingWrongWithGoodArguments():
+    done = demo("--check", "--port", "65535", "--model", "d200")
+    assert (done.returncode, done.stdout, done.stderr) == (0, "", "")
+
+
+def test_TheDemoNamesThePortThatIsTaken():
+    with socket.create_server(("127.0.0.1", 0)) as taken:
+        port = taken.getsockname()[1]
+        done = demo("--port", str(port))
+    assert (done.returncode, done.stdout) == (1, "")
+    assert done.stderr == f"demo: port {port}: Address already in use\n"
+
+
+def test_TheDemoCountsCommandsAndTheBytesOfAnEdid():
+    done = demo("--kind", "edid", "--file", os.path.join(REPOSITORY, "examples", "custom-edid.json"))
+    assert done.stdout.endswith("\nThe unit ran 7 shell lines, its front panel got 1 command and an EDID"
+                                " of 256 bytes, it was not restarted.\n")
+
+
+def test_TheDemoCountsEmptyCommands(tmp_path):
+    file = tmp_path / "empty command.json"
+    file.write_text('{"model": "ZAVO-ENC-U300-DA", "hdcp": {"hdmi_compatibility": 1}}')
+    done = demo("--file", str(file))
+    assert "\n      front panel <- (empty)\n" in done.stdout
+    assert "its front panel got 1 command (1 empty), it was restarted.\n" in done.stdout
+
+
+def test_TheDemosUnitHasCertificatesToExport():
+    done = demo("--kind", "certificates")
+    reply = json.loads(done.stdout.partition("\nReply after ")[2].splitlines()[1])
+    assert len(reply) == 13
+    assert {name: base64.b64decode(text).decode() for name, text in reply.items() if text} == {
+        "mqtt_ca_file": "made-up CAFile of the demo\n",
+        "mqtt_cert_file": "made-up CERTFile of the demo\n",
+        "mqtt_key_file": "made-up KEYFile of the demo\n",
+        "https_ca_file": "made-up HTTPS_CAFILE of the demo\n",
+        "lan1_ca_8021x": "made-up ca.pem of the demo\n"}
 
 
 @pytest.mark.parametrize("number", [signal.SIGINT, signal.SIGTERM])
