@@ -74,7 +74,8 @@ int store_rs232_list(const char* content) {
 
 // --- IR ------------------------------------------------------------------------------------------
 
-static int store_ir_document(const cJSON* document, const char* content) {
+int store_ir_list(const char* content) {
+    const cJSON* document = parse_document(content);
     const cJSON* delay = find_member(document, "delay", false);
     const cJSON* repeats = find_member(document, "rpt", false);
     const cJSON* repeat_delay = find_member(document, "rptdelay", false);
@@ -88,10 +89,6 @@ static int store_ir_document(const cJSON* document, const char* content) {
         "astparam s ir_setting_rpt_delay %s;astparam save;",
         delay->valuestring, repeats->valuestring, repeat_delay->valuestring);
     return 1;
-}
-
-int store_ir_list(const char* content) {
-    return store_ir_document(parse_document(content), content);
 }
 
 // --- Triggers ------------------------------------------------------------------------------------
@@ -126,8 +123,8 @@ static int store_custom_lists(const cJSON* events) {
     return 1;
 }
 
-static int store_trigger_document(const cJSON* document) {
-    const cJSON* data = find_member(document, "data", false);
+int store_trigger_lists(const char* content) {
+    const cJSON* data = find_member(parse_document(content), "data", false);
     if (!cJSON_IsArray(data) || cJSON_GetArraySize(data) != built_in_triggers + 1) {
         return 0;
     }
@@ -137,8 +134,4 @@ static int store_trigger_document(const cJSON* document) {
         element = element->next;
     }
     return store_custom_lists(find_member(element, "data", false));
-}
-
-int store_trigger_lists(const char* content) {
-    return store_trigger_document(parse_document(content));
 }

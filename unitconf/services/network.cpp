@@ -240,9 +240,8 @@ static_assert(well_formed(network_members));
 
 const SectionTable network_table = {"network", every_model, network_members};
 
-// No setting depends on a present one: every member that is there is applied.
+// No setting depends on a present one: every member that is there is applied. Taking the present
+// values is part of what the unit sees.
 void apply_network_section(const cJSON* section) {
-    ParameterSnapshot present;
-    take_snapshot(&present);
-    apply_members(section, network_members, &present);
+    apply_members_with_snapshot(section, network_members);
 }

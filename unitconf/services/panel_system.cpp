@@ -136,9 +136,7 @@ static_assert(well_formed(debug_members));
 
 void apply_debug_section(const cJSON* section) {
     // No row looks at the present values; taking them is part of what the unit sees.
-    ParameterSnapshot present;
-    take_snapshot(&present);
-    apply_members(section, debug_members, &present);
+    apply_members_with_snapshot(section, debug_members);
 }
 
 // --- "ssh" ---------------------------------------------------------------------------------------

@@ -52,9 +52,7 @@ static constexpr Member aes256_members[] = {
 static_assert(well_formed(aes256_members));
 
 void apply_aes256_section(const cJSON* section) {
-    ParameterSnapshot present;
-    take_snapshot(&present);
-    apply_members(section, aes256_members, &present);
+    apply_members_with_snapshot(section, aes256_members);
 }
 
 // --- "snmp" --------------------------------------------------------------------------------------

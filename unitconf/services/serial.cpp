@@ -1,6 +1,5 @@
 // The RS-232 port: its line settings, the list of command codes that the unit keeps for it,
 // tunnelling over IP and the pass-through to a partner unit.
-#include <climits>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -11,6 +10,7 @@
 #include "device/snapshot.h"
 #include "device/unit.h"
 #include "unitconf/members.h"
+#include "unitconf/numbers.h"
 #include "unitconf/sections.h"
 #include "unitconf/services/stored_list.h"
 #include "unitconf/tables.h"
@@ -155,8 +155,7 @@ static cJSON* number_for_list(Pass pass, const cJSON* item, const char* text) {
     if (text[0] == '\0' || text[strspn(text, "0123456789")] != '\0') {
         return nullptr;
     }
-    const long long value = strtoll(text, nullptr, 10);
-    return cJSON_CreateNumber(value < INT_MAX ? static_cast<int>(value) : INT_MAX);
+    return cJSON_CreateNumber(decimal_value(text));
 }
 
 // Replaces a member that is there by `value`, which may be null for none; adds nothing.
