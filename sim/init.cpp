@@ -3,6 +3,7 @@
 #include <netinet/in.h>
 #include <poll.h>
 #include <signal.h>
+#include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/uio.h>
@@ -91,12 +92,16 @@ static pid_t start_web_server(int listener, char** command) {
     return child;
 }
 
-// Says over the control socket that the unit is up and hands over its root folder, through which
-// the launcher reads and writes the unit's files.
+// Says over the control socket that the unit is up, by the name of the namespace that its processes
+// are in, and hands over its root folder, through which the launcher reads and writes its files.
 static bool report_ready(int control) {
     const int root = open("/", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    char text[] = "ready";
-    iovec part = {text, sizeof text - 1};
+    char text[64];
+    const ssize_t size = readlink("/proc/self/ns/pid", text, sizeof text);
+    if (root < 0 || size < 0) {
+        return false;
+    }
+    iovec part = {text, static_cast<size_t>(size)};
     alignas(cmsghdr) char space[CMSG_SPACE(sizeof root)] = {};
     msghdr message = {};
     message.msg_iov = &part;
@@ -183,6 +188,14 @@ static bool serve_request(int control) {
     return true;
 }
 
+// Kills whatever still runs in the unit and waits for its end, so that with the launcher's wait for
+// this program the web server's port is free again.
+static void end_everything() {
+    kill(-1, SIGKILL);
+    while (waitpid(-1, nullptr, 0) > 0) {
+    }
+}
+
 int run_unit_init(int argc, char** argv) {
     if (argc < 6) {
         fprintf(stderr, "usage: unit_init PARAMETERS CONTROL LISTENER PORT SERVER [ARGUMENT]...\n");
@@ -193,6 +206,8 @@ int run_unit_init(int argc, char** argv) {
     const uint16_t port = static_cast<uint16_t>(atoi(argv[4]));
     fcntl(control, F_SETFD, FD_CLOEXEC);
     fcntl(listener, F_SETFD, FD_CLOEXEC);
+    // Programs whose parent has ended are this one's to wait for.
+    prctl(PR_SET_CHILD_SUBREAPER, 1);
     umask(0);
     install_programs();
     const int serial = open_serial_line();
@@ -225,6 +240,7 @@ int run_unit_init(int argc, char** argv) {
     for (;;) {
         pollfd request = {control, POLLIN, 0};
         if (poll(&request, 1, 200) > 0 && !serve_request(control)) {
+            end_everything();
             return 0;
         }
         int status = 0;

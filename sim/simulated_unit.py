@@ -72,7 +72,7 @@ def _machine(path):
 class Unit:
     """A running unit. Made by start(); ended by stop() or at the end of a with block."""
 
-    def __init__(self, process, control, root, port, options):
+    def __init__(self, process, control, root, processes, port, options):
         self.model = options["model"]
         self.server = options["server"]
         self.cgi_environment = options["environment"]
@@ -86,6 +86,7 @@ class Unit:
         self._process = process
         self._control = control
         self._root = root
+        self._processes = processes
 
     def __enter__(self):
         return self
@@ -176,24 +177,15 @@ class Unit:
 
     def pids(self, *wanted):
         """Processes in the unit with one of these command names, as this machine numbers them."""
-        parents, names = {}, {}
-        for entry in os.listdir("/proc"):
-            if entry.isdigit():
-                with contextlib.suppress(OSError):
-                    with open(f"/proc/{entry}/stat", encoding="utf-8", errors="replace") as stat:
-                        text = stat.read()
-                    pid = int(entry)
-                    names[pid] = text[text.index("(") + 1:text.rindex(")")]
-                    parents[pid] = int(text[text.rindex(")") + 1:].split()[1])
-
-        def in_unit(pid):
-            while pid in parents:
-                if pid == self._process.pid:
-                    return True
-                pid = parents[pid]
-            return False
-
-        return [pid for pid in names if names[pid] in wanted and in_unit(pid)]
+        found = []
+        for pid in filter(str.isdigit, os.listdir("/proc")):
+            with contextlib.suppress(OSError):
+                with open(f"/proc/{pid}/comm", encoding="utf-8", errors="replace") as name:
+                    if name.read().rstrip("\n") not in wanted:
+                        continue
+                if os.readlink(f"/proc/{pid}/ns/pid") == self._processes:
+                    found.append(int(pid))
+        return found
 
     # ---- journal ----
 
@@ -437,16 +429,16 @@ def start(model, gateway, tools=None, real_time=False, port=0, user_data_bytes=0
         theirs.close()
         ours.settimeout(20)
         try:
-            text, descriptors, _, _ = socket.recv_fds(ours, 16, 1)
+            processes, descriptors, _, _ = socket.recv_fds(ours, 64, 1)
         except OSError:
-            text, descriptors = b"", []
-        if text != b"ready" or not descriptors:
+            processes, descriptors = b"", []
+        if not processes or not descriptors:
             process.kill()
             process.wait()
             raise UnitError("the unit did not start")
         ours.settimeout(None)
         os.set_inheritable(descriptors[0], False)
-        unit = Unit(process, ours, descriptors[0], port, options)
+        unit = Unit(process, ours, descriptors[0], processes.decode(), port, options)
     if runner:
         unit.write(CGI, f"#!/bin/busybox sh\nexec {' '.join(runner)} {RUN_GATEWAY}\n".encode(), 0o777)
     return unit

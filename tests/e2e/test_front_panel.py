@@ -22,27 +22,27 @@ def seconds_for(unit, document, expected):
 
 
 def test_CommandsGoOutOneByOne(u300):
-    assert seconds_for(u300, TWO_COMMANDS, BOTH_SENT) < 5
+    assert seconds_for(u300, TWO_COMMANDS, BOTH_SENT) < 9
 
 
 def test_TheNextCommandWaitsForTheAnswer(u300):
     u300.set_mcu("slow", 400)
-    assert 0.8 <= seconds_for(u300, TWO_COMMANDS, BOTH_SENT) < 6
+    assert 0.8 <= seconds_for(u300, TWO_COMMANDS, BOTH_SENT) < 9
 
 
 def test_AnAnswerInPiecesIsJoined(u300):
     u300.set_mcu("split", 10)
-    assert seconds_for(u300, TWO_COMMANDS, BOTH_SENT) < 5
+    assert seconds_for(u300, TWO_COMMANDS, BOTH_SENT) < 9
 
 
 def test_AnAnswerThatBreaksOffEndsTheWait(u300):
     u300.set_mcu("hangup")
-    assert seconds_for(u300, TWO_COMMANDS, BOTH_SENT) < 5
+    assert seconds_for(u300, TWO_COMMANDS, BOTH_SENT) < 9
 
 
 def test_WithoutTheRelayNoCommandIsSent(u300):
     u300.set_mcu("absent")
-    assert seconds_for(u300, TWO_COMMANDS, "progress 1-25") < 5
+    assert seconds_for(u300, TWO_COMMANDS, "progress 1-25") < 9
 
 
 def test_ASilentMicrocontrollerCostsTenSeconds(u300):
@@ -52,7 +52,7 @@ def test_ASilentMicrocontrollerCostsTenSeconds(u300):
         line echo "hdcpadvertising,2:off" > /dev/ttyS1 &
         mcu hdcpadvertising,2:off
         progress 3-25
-    """) < 15
+    """) < 30
 
 
 def test_AnEmptySectionSendsNothing(u300):

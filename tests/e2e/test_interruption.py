@@ -81,7 +81,8 @@ def test_SignalsDuringAPauseNeitherShortenNorLengthenIt(number):
             sent += 1
             time.sleep(0.05)
         assert sent > 5
-        assert 0.9 < time.monotonic() - saved < 2.5
+        # If each signal began the second anew, it would last as long as signals are sent.
+        assert 0.9 < time.monotonic() - saved < 4.5
         assert unit.exit_status(ended) == 0
         output.seek(0)
         assert output.read() == HEADERS + success(unit)

@@ -12,7 +12,7 @@ import time
 
 import pytest
 
-from conftest import BUILD, REPOSITORY, U300, simulated_unit, start_unit
+from conftest import BUILD, REPOSITORY, U300, simulated_unit, start_unit, wait_until
 
 MARK = b'printf ":mcu_end" | nc -w 3 127.0.0.1 4445'
 
@@ -55,7 +55,8 @@ def test_AScriptOnStandardInputRunsAndIsJournaledWhole(u300):
 def test_BackgroundChildrenAreNotWaitedFor(u300):
     begun = time.monotonic()
     assert shell(u300, "sleep 30 &") == (0, b"")
-    assert time.monotonic() - begun < 5
+    assert time.monotonic() - begun < 20
+    wait_until(lambda: u300.pids("sleep"))
     for pid in u300.pids("sleep"):
         os.kill(pid, signal.SIGKILL)
 
@@ -133,33 +134,39 @@ def test_EveryByteArrivesOnTheSerialLine(u300):
                               'line echo "" > /dev/ttyS1', "mcu"]
 
 
-def relayed(unit, command="seta,1", seconds=0.3):
-    """What a client of the relay hears within this time of a command."""
-    return unit.run(["/bin/busybox", "sh", "-c",
-                     "nc 127.0.0.1 5449 > /tmp/heard & client=$!; sleep 0.1;"
-                     f"echo '{command}' > /dev/ttyS1; sleep {seconds}; kill $client; cat /tmp/heard"])[1]
+# What follows the command seta,1: its echo, the end mark and a prompt of five bytes or more.
+ANSWER = b"seta,1\r\n\x1b[0m\xfe ok\r\n" + MARK + b"\r\nmcu:~# "
+
+
+def relayed(unit, seconds=20):
+    """What a client of the relay hears behind the command, as much as an answer; it waits this long
+    at most."""
+    return unit.run(["/usr/bin/bash", "-c",
+                     "exec 3<>/dev/tcp/127.0.0.1/5449; echo seta,1 > /dev/ttyS1;"
+                     f"timeout {seconds} head -c {len(ANSWER)} <&3"])[1]
 
 
 @pytest.mark.parametrize("mode", ["normal", "split"])
 def test_AnswersEndInTheMarkAndFiveMoreBytes(u300, mode):
     u300.set_mcu(mode)
-    before, mark, behind = relayed(u300).partition(MARK)
-    assert before.startswith(b"seta,1\r\n") and mark
-    assert behind.startswith(b"\r\n") and len(behind) >= 7
+    assert relayed(u300) == ANSWER
     assert len(MARK) == 42
 
 
 def test_ASilentMicrocontrollerHearsButDoesNotAnswer(u300):
     u300.set_mcu("silent")
-    assert relayed(u300) == b""
+    assert relayed(u300, seconds=0.3) == b""
     assert u300.journal() == ["mcu seta,1"]
 
 
 def test_ASlowMicrocontrollerAnswersLater(u300):
-    u300.set_mcu("slow", 1000)
+    u300.set_mcu("slow", 10_000)
     assert relayed(u300, seconds=0.2) == b""
+    u300.reset()
     u300.set_mcu("slow", 200)
-    assert MARK in relayed(u300, seconds=1.5)
+    begun = time.monotonic()
+    assert relayed(u300) == ANSWER
+    assert time.monotonic() - begun >= 0.2
 
 
 def test_AnAbsentRelayRefusesConnections(u300):
@@ -167,7 +174,7 @@ def test_AnAbsentRelayRefusesConnections(u300):
     status, _ = u300.run(["/bin/busybox", "nc", "127.0.0.1", "5449"])
     assert status == 1
     u300.set_mcu("normal")
-    assert MARK in relayed(u300)
+    assert relayed(u300) == ANSWER
 
 
 def test_ChangedAndRemovedFilesAreNotedOnceWhoeverChangedThem(u300):
@@ -236,7 +243,7 @@ def alive(pid):
 
 START = ("import sys, time; sys.path.insert(0, sys.argv[1]); import simulated_unit as s\n"
          "u = s.start(sys.argv[2], sys.argv[3], sys.argv[4]); u.spawn(['/bin/sleep', '60'])\n"
-         "time.sleep(0.1)\n"
+         "while not u.pids('sleep'): time.sleep(0.01)\n"
          "print(*u.pids('unit_tool'), *u.pids('lighttpd'), *u.pids('sleep'), flush=True)\n"
          "time.sleep(60)\n")
 
@@ -253,7 +260,7 @@ def test_NothingIsLeftWhenTheLauncherIsKilled(number):
         launcher.send_signal(number)
         launcher.wait(10)
     assert running
-    end = time.monotonic() + 5
+    end = time.monotonic() + 20
     while any(alive(pid) for pid in pids) and time.monotonic() < end:
         time.sleep(0.01)
     assert not any(alive(pid) for pid in pids)
@@ -346,7 +353,8 @@ def test_TheDemoStopsInTheMiddleWhenItIsToldTo(number):
         begun = time.monotonic()
         running.send_signal(number)
         assert running.wait(20) == (130 if number == signal.SIGINT else 128 + number)
-        assert time.monotonic() - begun < 5
+        # The pauses that were left take over a minute and a half.
+        assert time.monotonic() - begun < 15
         assert "Reply" not in running.stdout.read()
 
 
@@ -362,5 +370,8 @@ def test_TheDemoServesUntilItIsToldToStop():
         assert served.wait(10) == 0
         with contextlib.suppress(ValueError):
             served.stdout.close()
-    assert subprocess.run(["curl", "-sS", "--max-time", "3", url], capture_output=True,
-                          check=False).returncode == 7
+    # It has given its port back.
+    with socket.socket() as port:
+        port.setsockopt(socket.SOL_SOCKET, socket.SO_REUSEADDR, 1)
+        port.bind(("127.0.0.1", int(url.split(":")[2].split("/")[0])))
+        port.listen(1)

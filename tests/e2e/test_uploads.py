@@ -359,7 +359,7 @@ def test_AnEdidTakesItsTwoSecondsAndOneForEachInputThatUsesIt():
             unit.set_parameter("edid_set_u", first)
             begun = time.monotonic()
             assert post(unit, {"custom_edid": EVERY_BYTE}, field="CustomEdidFile").body == success(unit)
-            assert seconds <= time.monotonic() - begun < seconds + 1
+            assert seconds <= time.monotonic() - begun < seconds + 4
 
 
 @pytest.mark.parametrize("edid", [EVERY_BYTE[:510], EVERY_BYTE + "00", "G" + EVERY_BYTE[1:],
