@@ -4,54 +4,22 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <set>
-#include <sstream>
 #include <string>
 
 #include "device/parameters.h"
 #include "device/unit.h"
+#include "tests/support/folder.h"
 
 namespace {
 
-class Files : public testing::Test {
+class Files : public FolderTest {
   protected:
-    void SetUp() override {
-        std::string pattern = testing::TempDir() + "files-test-XXXXXX";
-        ASSERT_NE(mkdtemp(pattern.data()), nullptr);
-        folder = pattern;
-    }
-
-    void TearDown() override {
-        std::filesystem::remove_all(folder);
-    }
-
-    std::string path(const std::string& name) const {
-        return folder + "/" + name;
-    }
-
-    std::string content(const std::string& name) const {
-        std::ifstream file(path(name), std::ios::binary);
-        std::ostringstream text;
-        text << file.rdbuf();
-        return text.str();
-    }
-
     void provide(const std::string& name, const std::string& bytes) const {
         std::ofstream(path(name), std::ios::binary) << bytes;
     }
-
-    std::set<std::string> names() const {
-        std::set<std::string> all;
-        for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-            all.insert(entry.path().filename());
-        }
-        return all;
-    }
-
-    std::string folder;
 };
 
 const std::string some_bytes = std::string("line\r\n\0\xFF end", 12);

@@ -21,10 +21,9 @@
 #include <string>
 
 #include "device/unit.h"
+#include "tests/support/folder.h"
 
 namespace {
-
-namespace fs = std::filesystem;
 
 // How the file system lets the new content come to be.
 enum class Way { nameless, named };
@@ -48,17 +47,11 @@ void refuse_nameless_files() {
     }
 }
 
-class ReplaceFile : public testing::TestWithParam<Way> {
+class ReplaceFile : public FolderTest, public testing::WithParamInterface<Way> {
   protected:
     void SetUp() override {
-        std::string name = (fs::temp_directory_path() / "replace_file_XXXXXX").string();
-        ASSERT_NE(mkdtemp(name.data()), nullptr);
-        folder = name;
-        list = folder / "list.json";
-    }
-
-    void TearDown() override {
-        fs::remove_all(folder);
+        FolderTest::SetUp();
+        list = path("list.json");
     }
 
     // Runs in a child where files come to be in the way of this test. Returns its exit status.
@@ -79,19 +72,6 @@ class ReplaceFile : public testing::TestWithParam<Way> {
         return in_child([&] { return replace_file(list.c_str(), content.data(), content.size()); });
     }
 
-    std::string content() const {
-        std::ifstream file(list, std::ios::binary);
-        return std::string(std::istreambuf_iterator<char>(file), {});
-    }
-
-    std::set<std::string> names() const {
-        std::set<std::string> all;
-        for (const auto& entry : fs::directory_iterator(folder)) {
-            all.insert(entry.path().filename());
-        }
-        return all;
-    }
-
     unsigned mode() const {
         struct stat status = {};
         stat(list.c_str(), &status);
@@ -102,8 +82,7 @@ class ReplaceFile : public testing::TestWithParam<Way> {
         std::ofstream(list, std::ios::binary) << text;
     }
 
-    fs::path folder;
-    fs::path list;
+    std::string list;
     const std::set<std::string> only_the_list = {"list.json"};
 };
 
@@ -114,18 +93,18 @@ INSTANTIATE_TEST_SUITE_P(Ways, ReplaceFile, testing::Values(Way::nameless, Way::
 
 TEST_P(ReplaceFile, MakesAFileThatIsNotThere) {
     EXPECT_EQ(replaced(std::string("a\0b\n", 4)), 0);
-    EXPECT_EQ(content(), std::string("a\0b\n", 4));
+    EXPECT_EQ(content("list.json"), std::string("a\0b\n", 4));
     EXPECT_EQ(names(), only_the_list);
 }
 
 TEST_P(ReplaceFile, TakesThePlaceOfALongerAndOfAShorterFile) {
     put(std::string(100000, 'o'));
     EXPECT_EQ(replaced("new"), 0);
-    EXPECT_EQ(content(), "new");
+    EXPECT_EQ(content("list.json"), "new");
     EXPECT_EQ(replaced(std::string(600000, 'n')), 0);
-    EXPECT_EQ(content(), std::string(600000, 'n'));
+    EXPECT_EQ(content("list.json"), std::string(600000, 'n'));
     EXPECT_EQ(replaced(""), 0);
-    EXPECT_EQ(content(), "");
+    EXPECT_EQ(content("list.json"), "");
     EXPECT_EQ(names(), only_the_list);
 }
 
@@ -155,25 +134,25 @@ TEST_P(ReplaceFile, AFullDiskLeavesTheOldFileAndNothingElse) {
                   return replace_file(list.c_str(), text.data(), text.size());
               }),
               1);
-    EXPECT_EQ(content(), "old");
+    EXPECT_EQ(content("list.json"), "old");
     EXPECT_EQ(names(), only_the_list);
 }
 
 TEST_P(ReplaceFile, AFolderThatIsNotThereIsAFailure) {
-    const std::string path = folder / "none" / "list.json";
-    EXPECT_EQ(in_child([&] { return replace_file(path.c_str(), "x", 1); }), 1);
+    const std::string none = path("none/list.json");
+    EXPECT_EQ(in_child([&] { return replace_file(none.c_str(), "x", 1); }), 1);
     EXPECT_EQ(names(), std::set<std::string>());
 }
 
 TEST_P(ReplaceFile, AFolderInTheFilesPlaceIsAFailure) {
-    fs::create_directory(list);
+    std::filesystem::create_directory(list);
     EXPECT_EQ(replaced("new"), 1);
-    EXPECT_TRUE(fs::is_directory(list));
+    EXPECT_TRUE(std::filesystem::is_directory(list));
     EXPECT_EQ(names(), only_the_list);
 }
 
 TEST_P(ReplaceFile, PathsThatNameNoFileAreRefused) {
-    const std::string tilde = folder / "list~";
+    const std::string tilde = path("list~");
     std::ofstream(tilde) << "old";
     EXPECT_EQ(in_child([&] { return replace_file(tilde.c_str(), "x", 1); }), 1);
     EXPECT_EQ(in_child([&] { return replace_file("", "x", 1); }), 1);
@@ -182,8 +161,8 @@ TEST_P(ReplaceFile, PathsThatNameNoFileAreRefused) {
 
 TEST_P(ReplaceFile, TheLongestNameThatAFileCanHaveIsTaken) {
     const std::string name = std::string(250, 'n') + ".json";
-    const std::string path = folder / name;
-    EXPECT_EQ(in_child([&] { return replace_file(path.c_str(), "x", 1); }), 0);
+    const std::string longest = path(name);
+    EXPECT_EQ(in_child([&] { return replace_file(longest.c_str(), "x", 1); }), 0);
     EXPECT_EQ(names(), std::set<std::string>{name});
 }
 
@@ -191,15 +170,15 @@ TEST_P(ReplaceFile, APathWithoutAFolderIsTakenFromTheCurrentOne) {
     EXPECT_EQ(
         in_child([&] { return chdir(folder.c_str()) == 0 && replace_file("list.json", "new", 3); }),
         0);
-    EXPECT_EQ(content(), "new");
+    EXPECT_EQ(content("list.json"), "new");
     EXPECT_EQ(names(), only_the_list);
 }
 
 TEST_P(ReplaceFile, WhatAPowerCutLeftOverIsGoneBehindTheNextOne) {
     put("old");
-    std::ofstream(folder / "list.jso~") << std::string(5000, 'h');
+    std::ofstream(path("list.jso~")) << std::string(5000, 'h');
     EXPECT_EQ(replaced("new"), 0);
-    EXPECT_EQ(content(), "new");
+    EXPECT_EQ(content("list.json"), "new");
     EXPECT_EQ(names(), only_the_list);
 }
 
@@ -224,7 +203,7 @@ TEST_P(ReplaceFile, UploadsAtTheSameTimeLeaveOneOfThemWhole) {
         waitpid(writer, &status, 0);
         EXPECT_EQ(status, 0);
     }
-    EXPECT_TRUE(contents.contains(content()));
+    EXPECT_TRUE(contents.contains(content("list.json")));
     EXPECT_EQ(names(), only_the_list);
 }
 
@@ -275,7 +254,7 @@ class KilledReplaceFile : public ReplaceFile {
     }
 
     void expect_one_whole_file(const std::string& old_text, const std::string& new_text) const {
-        const std::string found = content();
+        const std::string found = content("list.json");
         EXPECT_TRUE(found == old_text || found == new_text) << "a file of " << found.size();
         EXPECT_EQ(mode(), 0604U);
     }
@@ -309,9 +288,9 @@ TEST_P(KilledReplaceFile, TheProgramKilledAtAnySystemCallLeavesOneWholeFileAndNo
         wait_until_nobody_is_at_work(followed.at_work);
         expect_one_whole_file(before, after);
         EXPECT_EQ(names(), only_the_list) << "killed at stop " << stops;
-        (content() == before ? old_ones : new_ones)++;
+        (content("list.json") == before ? old_ones : new_ones)++;
     }
-    EXPECT_EQ(content(), after);
+    EXPECT_EQ(content("list.json"), after);
     // The kill must have come on both sides of the point from which on the file is replaced.
     EXPECT_GT(old_ones, 0);
     EXPECT_GT(new_ones, 1);
@@ -348,10 +327,10 @@ TEST_P(KilledReplaceFile, EverythingKilledAtAnySystemCallLeavesOneWholeFile) {
         waitpid(followed.program, &status, __WALL);
         wait_until_nobody_is_at_work(followed.at_work);
         expect_one_whole_file(before, after);
-        (content() == before ? old_ones : new_ones)++;
+        (content("list.json") == before ? old_ones : new_ones)++;
         left_overs += names() == only_the_list ? 0 : 1;
         EXPECT_EQ(replaced("next"), 0);
-        EXPECT_EQ(content(), "next");
+        EXPECT_EQ(content("list.json"), "next");
         EXPECT_EQ(names(), only_the_list);
     }
     EXPECT_GT(old_ones, 0);

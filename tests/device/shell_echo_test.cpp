@@ -15,15 +15,9 @@
 #include <vector>
 
 #include "device/list_text.h"
+#include "tests/support/folder.h"
 
 namespace {
-
-namespace fs = std::filesystem;
-
-std::string read_all(const fs::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(file), {});
-}
 
 // What cannot be printed, as \xHH.
 std::string visible(const std::string& text) {
@@ -37,18 +31,8 @@ std::string visible(const std::string& text) {
     return shown;
 }
 
-class ShellEchoOnBusyBox : public testing::Test {
+class ShellEchoOnBusyBox : public FolderTest {
   protected:
-    void SetUp() override {
-        std::string name = (fs::temp_directory_path() / "shell_echo_XXXXXX").string();
-        ASSERT_NE(mkdtemp(name.data()), nullptr);
-        folder = name;
-    }
-
-    void TearDown() override {
-        fs::remove_all(folder);
-    }
-
     // Runs BusyBox's shell in the folder; its errors are left in the file "errors".
     void run_shell(const std::vector<const char*>& arguments) const {
         const pid_t child = fork();
@@ -63,18 +47,18 @@ class ShellEchoOnBusyBox : public testing::Test {
         }
         int status = 0;
         ASSERT_EQ(waitpid(child, &status, 0), child);
-        ASSERT_EQ(status, 0) << read_all(folder / "errors");
+        ASSERT_EQ(status, 0) << content("errors");
     }
 
     // Every text must be written by the shell as the program reads it.
     void expect_same(const std::vector<std::string>& texts) const {
         int differences = 0;
         for (size_t i = 0; i < texts.size() && differences < 10; i++) {
-            const fs::path written = folder / std::to_string(i);
-            ASSERT_TRUE(fs::exists(written)) << visible(texts[i]);
+            const std::string written = std::to_string(i);
+            ASSERT_TRUE(std::filesystem::exists(path(written))) << visible(texts[i]);
             std::string own = texts[i];
             own.resize(interpret_echoed(own.data()));
-            const std::string shells = read_all(written);
+            const std::string shells = content(written);
             differences += own == shells ? 0 : 1;
             EXPECT_EQ(visible(own), visible(shells)) << visible(texts[i]);
         }
@@ -83,7 +67,7 @@ class ShellEchoOnBusyBox : public testing::Test {
 
     // All lines in one run of the shell.
     void expect_same_in_one_script(const std::vector<std::string>& texts) const {
-        std::ofstream script(folder / "script", std::ios::binary);
+        std::ofstream script(path("script"), std::ios::binary);
         for (size_t i = 0; i < texts.size(); i++) {
             script << "echo -ne \"" << texts[i] << "\" > " << i << "\n";
         }
@@ -91,8 +75,6 @@ class ShellEchoOnBusyBox : public testing::Test {
         run_shell({"script"});
         expect_same(texts);
     }
-
-    fs::path folder;
 };
 
 // --- Random texts --------------------------------------------------------------------------------
@@ -277,11 +259,10 @@ TEST_F(ShellEchoOnBusyBox, EveryByteBehindABackslashIsReadAsTheShellReadsIt) {
 
 // What is taken away from the shell must not be more than what it would have written itself.
 TEST_F(ShellEchoOnBusyBox, ABackslashAtTheEndMakesTheShellWriteNothing) {
-    std::ofstream(folder / "script") << "echo -ne \"{}\\\" > 0\n";
-    const int status =
-        system(("cd " + folder.string() + " && busybox sh script 2> errors").c_str());
+    std::ofstream(path("script")) << "echo -ne \"{}\\\" > 0\n";
+    const int status = system(("cd " + folder + " && busybox sh script 2> errors").c_str());
     EXPECT_NE(status, 0);
-    EXPECT_FALSE(fs::exists(folder / "0"));
+    EXPECT_FALSE(std::filesystem::exists(path("0")));
     EXPECT_TRUE(only_the_shell_knows("{}\\"));
 }
 

@@ -11,11 +11,11 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "device/unit.h"
+#include "tests/support/folder.h"
 
 // --- A clock of the test's own, so that no test waits --------------------------------------------
 
@@ -47,34 +47,15 @@ extern "C" unsigned sleep(unsigned seconds) {
 
 namespace {
 
-class Shell : public testing::Test {
+class Shell : public FolderTest {
   protected:
     void SetUp() override {
-        std::string pattern = testing::TempDir() + "shell-test-XXXXXX";
-        ASSERT_NE(mkdtemp(pattern.data()), nullptr);
-        folder = pattern;
+        FolderTest::SetUp();
         waits.clear();
         coming_signals.clear();
         taken_signals.clear();
         taken_while_waiting = 0;
     }
-
-    void TearDown() override {
-        std::filesystem::remove_all(folder);
-    }
-
-    std::string path(const std::string& name) const {
-        return folder + "/" + name;
-    }
-
-    std::string content(const std::string& name) const {
-        std::ifstream file(path(name), std::ios::binary);
-        std::ostringstream text;
-        text << file.rdbuf();
-        return text.str();
-    }
-
-    std::string folder;
 };
 
 // --- run_shell_line ------------------------------------------------------------------------------

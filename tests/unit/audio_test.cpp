@@ -4,25 +4,13 @@
 #include <utility>
 #include <vector>
 
-#include "tests/support/rows.h"
+#include "tests/support/blocks.h"
 #include "unitconf/sections.h"
 
 namespace {
 
 using Apply = void (*)(const cJSON* section);
 using Words = std::vector<std::pair<std::string, int>>;
-
-// A group of rows: the section itself or one of its objects, with what the section leaves before
-// and behind it when it holds nothing else.
-struct Block {
-    const char* name;
-    Apply apply;
-    const char* document_start;
-    const char* document_end;
-    std::string before;
-    IdleRows rows;
-    std::string behind;
-};
 
 class AudioSection : public testing::Test {
   protected:
@@ -31,34 +19,6 @@ class AudioSection : public testing::Test {
     }
 };
 
-std::string trace_in(const Block& block, const std::string& members) {
-    return trace_of(block.apply, block.document_start + members + block.document_end);
-}
-
-std::string expected_in(const Block& block, const std::string& key, const std::string& trace) {
-    return snapshot_trace + block.before + trace_with(block.rows, key, trace) + block.behind;
-}
-
-std::string member(const std::string& key, const std::string& value) {
-    return json_text(key) + ":" + value;
-}
-
-void expect_cases(const Block& block, const std::vector<RowCase>& cases) {
-    for (const RowCase& each : cases) {
-        EXPECT_EQ(trace_in(block, member(each.key, each.value)),
-                  expected_in(block, each.key, each.trace))
-            << block.name << ": " << each.key << " " << each.value;
-    }
-}
-
-void expect_nothing_sent(const Block& block, const std::string& key,
-                         const std::vector<std::string>& values) {
-    for (const std::string& value : values) {
-        EXPECT_EQ(trace_in(block, member(key, value)), expected_in(block, "", ""))
-            << block.name << ": " << key << " " << value;
-    }
-}
-
 // The rows of several members that are given together.
 struct Given {
     std::string key;
@@ -66,7 +26,7 @@ struct Given {
 };
 
 std::string expected_with(const Block& block, const std::vector<Given>& given) {
-    std::string all = snapshot_trace + block.before;
+    std::string all = block.before;
     for (const IdleRow& row : block.rows) {
         const std::string* trace = &row.trace;
         for (const Given& each : given) {
@@ -84,7 +44,7 @@ const Block decoder_top = {"decoder",
                            apply_decoder_audio_section,
                            "{",
                            "}",
-                           "pause 1\n",
+                           snapshot_trace + "pause 1\n",
                            {{"audio_follow_video", ""},
                             {"stream_audio", "pause 1\n"},
                             {"hdmi_audio", ""},
@@ -97,7 +57,7 @@ const Block decoder_hdmi = {"decoder, hdmi_audio",
                             apply_decoder_audio_section,
                             R"({"hdmi_audio":{)",
                             "}}",
-                            "pause 1\npause 1\n",
+                            snapshot_trace + "pause 1\npause 1\n",
                             {{"source", "pause 1\n"}, {"mute", ""}},
                             "pause 1\n"};
 
@@ -111,36 +71,30 @@ const Block decoder_dante = {"decoder, dante_aes67_tx",
                              apply_decoder_audio_section,
                              R"({"dante_aes67_tx":{)",
                              "}}",
-                             "pause 1\npause 1\npause 1\n",
+                             snapshot_trace + "pause 1\npause 1\npause 1\n",
                              path_rows,
                              ""};
 // On the encoders: the pause at entry, then one behind each of the three objects, there or not.
-const Block hdmi_encoder_stream = {"HDMI encoder, stream_audio",
-                                   apply_hdmi_encoder_audio_section,
-                                   R"({"stream_audio":{)",
-                                   "}}",
-                                   "pause 1\n",
-                                   stream_rows,
+const Block hdmi_encoder_stream = {"HDMI encoder, stream_audio", apply_hdmi_encoder_audio_section,
+                                   R"({"stream_audio":{)",       "}}",
+                                   snapshot_trace + "pause 1\n", stream_rows,
                                    "pause 1\npause 1\npause 1\n"};
 const Block hdmi_encoder_dante = {"HDMI encoder, dante_aes67_tx",
                                   apply_hdmi_encoder_audio_section,
                                   R"({"dante_aes67_tx":{)",
                                   "}}",
-                                  "pause 1\npause 1\npause 1\n",
+                                  snapshot_trace + "pause 1\npause 1\npause 1\n",
                                   path_rows,
                                   "pause 1\n"};
-const Block usbc_encoder_stream = {"USB-C encoder, stream_audio",
-                                   apply_usbc_encoder_audio_section,
-                                   R"({"stream_audio":{)",
-                                   "}}",
-                                   "pause 1\n",
-                                   stream_rows,
+const Block usbc_encoder_stream = {"USB-C encoder, stream_audio", apply_usbc_encoder_audio_section,
+                                   R"({"stream_audio":{)",        "}}",
+                                   snapshot_trace + "pause 1\n",  stream_rows,
                                    "pause 1\npause 1\npause 1\n"};
 const Block usbc_encoder_dante = {"USB-C encoder, dante_aes67_tx",
                                   apply_usbc_encoder_audio_section,
                                   R"({"dante_aes67_tx":{)",
                                   "}}",
-                                  "pause 1\npause 1\npause 1\n",
+                                  snapshot_trace + "pause 1\npause 1\npause 1\n",
                                   path_rows,
                                   "pause 1\n"};
 
@@ -153,16 +107,22 @@ const Block decoder_analog = {"decoder, analog_audio",
                               apply_decoder_audio_section,
                               R"({"analog_audio":{)",
                               "}}",
-                              "pause 1\npause 1\npause 1\n",
+                              snapshot_trace + "pause 1\npause 1\npause 1\n",
                               analog_rows,
                               ""};
-const Block hdmi_encoder_analog = {"HDMI encoder, analog_audio", apply_hdmi_encoder_audio_section,
-                                   R"({"analog_audio":{)",       "}}",
-                                   "pause 1\npause 1\n",         analog_rows,
+const Block hdmi_encoder_analog = {"HDMI encoder, analog_audio",
+                                   apply_hdmi_encoder_audio_section,
+                                   R"({"analog_audio":{)",
+                                   "}}",
+                                   snapshot_trace + "pause 1\npause 1\n",
+                                   analog_rows,
                                    "pause 1\npause 1\n"};
-const Block usbc_encoder_analog = {"USB-C encoder, analog_audio", apply_usbc_encoder_audio_section,
-                                   R"({"analog_audio":{)",        "}}",
-                                   "pause 1\npause 1\n",          analog_rows,
+const Block usbc_encoder_analog = {"USB-C encoder, analog_audio",
+                                   apply_usbc_encoder_audio_section,
+                                   R"({"analog_audio":{)",
+                                   "}}",
+                                   snapshot_trace + "pause 1\npause 1\n",
+                                   analog_rows,
                                    "pause 1\npause 1\n"};
 
 const Words decoder_transmit_words = {

@@ -3,24 +3,10 @@
 #include <string>
 #include <vector>
 
-#include "tests/support/rows.h"
+#include "tests/support/blocks.h"
 #include "unitconf/sections.h"
 
 namespace {
-
-using Apply = void (*)(const cJSON* section);
-
-// A group of rows that a document can reach: the section itself or an input's object in it, with
-// what the section leaves before and behind it.
-struct Block {
-    const char* name;
-    Apply apply;
-    const char* document_start;
-    const char* document_end;
-    std::string before;
-    IdleRows rows;
-    std::string behind;
-};
 
 class EdidAndHdcpSections : public testing::Test {
   protected:
@@ -28,34 +14,6 @@ class EdidAndHdcpSections : public testing::Test {
         reset_recorder();
     }
 };
-
-std::string trace_in(const Block& block, const std::string& members) {
-    return trace_of(block.apply, block.document_start + members + block.document_end);
-}
-
-std::string expected_in(const Block& block, const std::string& key, const std::string& trace) {
-    return block.before + trace_with(block.rows, key, trace) + block.behind;
-}
-
-std::string member(const std::string& key, const std::string& value) {
-    return json_text(key) + ":" + value;
-}
-
-void expect_cases(const Block& block, const std::vector<RowCase>& cases) {
-    for (const RowCase& each : cases) {
-        EXPECT_EQ(trace_in(block, member(each.key, each.value)),
-                  expected_in(block, each.key, each.trace))
-            << block.name << ": " << each.key << " " << each.value;
-    }
-}
-
-void expect_nothing_sent(const Block& block, const std::string& key,
-                         const std::vector<std::string>& values) {
-    for (const std::string& value : values) {
-        EXPECT_EQ(trace_in(block, member(key, value)), expected_in(block, "", ""))
-            << block.name << ": " << key << " " << value;
-    }
-}
 
 const std::vector<std::string> texts_of_every_json_value = {"\"\"", "\"x\"", "\"5\"", "\"-\""};
 

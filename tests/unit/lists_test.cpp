@@ -6,22 +6,10 @@
 #include <vector>
 
 #include "cgi/uploads.h"
+#include "tests/support/outcome.h"
 #include "tests/support/recorder.h"
 
 namespace {
-
-struct Outcome {
-    int result;
-    std::string trace;
-};
-
-bool operator==(const Outcome& a, const Outcome& b) {
-    return a.result == b.result && a.trace == b.trace;
-}
-
-void PrintTo(const Outcome& outcome, std::ostream* out) {
-    *out << "result " << outcome.result << "\n" << outcome.trace;
-}
 
 Outcome store(int (*handler)(const char*), const std::string& content) {
     reset_recorder();

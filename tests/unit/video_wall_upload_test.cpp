@@ -6,6 +6,7 @@
 #include <string>
 
 #include "cgi/uploads.h"
+#include "tests/support/outcome.h"
 #include "tests/support/recorder.h"
 
 namespace {
@@ -57,19 +58,6 @@ std::string as_json(const Document& document) {
         json += (json.size() > 1 ? ",\"" : "\"") + key + "\":" + value;
     }
     return json + "}";
-}
-
-struct Outcome {
-    int result;
-    std::string trace;
-};
-
-bool operator==(const Outcome& a, const Outcome& b) {
-    return a.result == b.result && a.trace == b.trace;
-}
-
-void PrintTo(const Outcome& outcome, std::ostream* out) {
-    *out << "result " << outcome.result << "\n" << outcome.trace;
 }
 
 // On a unit with a video wall of this kind that does not reconnect by itself.
