@@ -3,7 +3,6 @@
 #include <fstream>
 #include <sstream>
 #include <string>
-#include <vector>
 
 #include "cgi/uploads.h"
 #include "tests/support/outcome.h"
