@@ -59,6 +59,9 @@ def pytest_configure(config):
     # Nothing is left in the source tree.
     sys.dont_write_bytecode = True
     reports = tempfile.mkdtemp(prefix="gateway-reports-")
+    # Started in the background or by nohup, this would ignore them, and so would all that it starts.
+    signal.signal(signal.SIGINT, signal.default_int_handler)
+    signal.signal(signal.SIGHUP, signal.SIG_DFL)
 
 
 def pytest_unconfigure(config):

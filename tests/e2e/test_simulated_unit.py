@@ -241,6 +241,16 @@ def alive(pid):
         return False
 
 
+@contextlib.contextmanager
+def started(command, **options):
+    """A program whose output is read; it does not outlast the block."""
+    with subprocess.Popen(command, stdout=subprocess.PIPE, text=True, **options) as program:
+        try:
+            yield program
+        finally:
+            program.kill()
+
+
 START = ("import sys, time; sys.path.insert(0, sys.argv[1]); import simulated_unit as s\n"
          "u = s.start(sys.argv[2], sys.argv[3], sys.argv[4]); u.spawn(['/bin/sleep', '60'])\n"
          "while not u.pids('sleep'): time.sleep(0.01)\n"
@@ -252,13 +262,12 @@ START = ("import sys, time; sys.path.insert(0, sys.argv[1]); import simulated_un
 def test_NothingIsLeftWhenTheLauncherIsKilled(number):
     tools = os.environ.get("SIM_BUILD_DIR", os.path.join(BUILD, "sim"))
     gateway = os.path.join(BUILD, "models", U300, "upload_gateway")
-    with subprocess.Popen(
-            [sys.executable, "-B", "-c", START, simulated_unit.HERE, U300, gateway, tools],
-            stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True) as launcher:
+    with started([sys.executable, "-B", "-c", START, simulated_unit.HERE, U300, gateway, tools],
+                 stderr=subprocess.DEVNULL) as launcher:
         pids = [int(pid) for pid in launcher.stdout.readline().split()]
         running = len(pids) == 6 and all(alive(pid) for pid in pids)
         launcher.send_signal(number)
-        launcher.wait(10)
+        launcher.wait(20)
     assert running
     end = time.monotonic() + 20
     while any(alive(pid) for pid in pids) and time.monotonic() < end:
@@ -347,7 +356,7 @@ def test_TheDemosUnitHasCertificatesToExport():
 def test_TheDemoStopsInTheMiddleWhenItIsToldTo(number):
     command = [sys.executable, "-B", os.path.join(REPOSITORY, "sim", "demo.py"), "--build", BUILD,
                "--real-time"]
-    with subprocess.Popen(command, stdout=subprocess.PIPE, text=True) as running:
+    with started(command) as running:
         while "$ astparam g ethaddr" not in running.stdout.readline():
             pass
         begun = time.monotonic()
@@ -360,16 +369,14 @@ def test_TheDemoStopsInTheMiddleWhenItIsToldTo(number):
 
 def test_TheDemoServesUntilItIsToldToStop():
     command = [sys.executable, "-B", os.path.join(REPOSITORY, "sim", "demo.py"), "--build", BUILD, "--serve"]
-    with subprocess.Popen(command, stdout=subprocess.PIPE, text=True) as served:
+    with started(command) as served:
         url = served.stdout.readline().split()[4]
         assert url.startswith("http://127.0.0.1:")
         reply = subprocess.run(["curl", "-sS", "-X", "PUT", "-w", "%{http_code}", url],
                                capture_output=True, text=True, timeout=10, check=False)
         assert reply.stdout == "200"
         served.send_signal(signal.SIGINT)
-        assert served.wait(10) == 0
-        with contextlib.suppress(ValueError):
-            served.stdout.close()
+        assert served.wait(20) == 0
     # It has given its port back.
     with socket.socket() as port:
         port.setsockopt(socket.SOL_SOCKET, socket.SO_REUSEADDR, 1)
