@@ -14,5 +14,5 @@ struct Content {
 // headers is content from its first byte. Its end is the first line end with four hyphens behind
 // it, the delimiter's two and those that every browser's boundary begins with, or the end of the
 // text. Of a content of more than `most` bytes only that is known: it has a length above `most`.
-// None when the headers do not end.
+// None when the headers do not end, or not as those of a part of type multipart/form-data must.
 Content find_content(const char* text, size_t length, size_t most);

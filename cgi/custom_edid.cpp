@@ -35,7 +35,7 @@ static bool read_edid(const char* text, char (&digits)[edid_digits]) {
     return count == edid_digits;
 }
 
-// The microcontroller takes the bytes of an EDID as they are behind the command for it.
+// The microcontroller takes the command first and then, written by itself, the bare bytes.
 static void send_edid(const char (&digits)[edid_digits]) {
     char escaped[escaped_edid_size];
     char* end = escaped;

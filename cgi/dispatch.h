@@ -7,10 +7,10 @@
 // string of a GET; nothing behind its first NUL is seen. Recognises the kind of the upload by its
 // form field, cuts the content of the file out of the body (at most 1,048,575 bytes; 512,000 for
 // the RS-232, IR, video-wall and EDID kinds), hands it to the kind's handler, and prints one JSON
-// object without a line feed on standard output. Nothing is printed for a body whose headers have
-// no end and for a result that the kind has no reply for.
+// object without a line feed on standard output. Nothing is printed for a body whose content has
+// no start (see find_content) and for a result that the kind has no reply for.
 void dispatch_upload(const char* request, size_t size);
 
 // The form field that decides what a request uploads: of all known fields that stand anywhere in
-// it, the first in the gateway's order. Null when there is none.
+// it, the first in the gateway's order, which this shows by itself. Null when there is none.
 const char* recognised_field(const char* request, size_t length);

@@ -58,8 +58,16 @@ bool write_file(const char* path, const char* bytes, size_t size) {
     if (descriptor < 0) {
         return false;
     }
+    struct stat status = {};
+    const bool is_file = fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
     const bool written = write_all(descriptor, bytes, size);
-    return close(descriptor) == 0 && written;
+    if (close(descriptor) == 0 && written) {
+        return true;
+    }
+    if (is_file) {
+        unlink(path);
+    }
+    return false;
 }
 
 // --- Replacing a file as a whole -----------------------------------------------------------------
@@ -133,18 +141,33 @@ static bool replace_in_folder(const Replacement& names, const char* bytes, size_
     return replaced;
 }
 
-// A link is followed, as the shell would: the file that it leads to is replaced.
+// The file that a path leads to, links followed as the shell would: a link that leads nowhere yet
+// makes its file first, empty. Allocated; null when that cannot be done or memory runs out.
+static char* target_of(const char* path) {
+    struct stat present;
+    if (lstat(path, &present) != 0) {
+        return strdup(path);
+    }
+    if (S_ISLNK(present.st_mode) && !file_exists(path)) {
+        const int descriptor = open(path, O_WRONLY | O_CREAT | O_CLOEXEC, 0666);
+        if (descriptor < 0) {
+            return nullptr;
+        }
+        close(descriptor);
+    }
+    return realpath(path, nullptr);
+}
+
 static bool replace_here(const char* path, const char* bytes, size_t size) {
-    char* target = realpath(path, nullptr);
-    char* temporary = strdup(target == nullptr ? path : target);
-    char* folder = strdup(target == nullptr ? path : target);
+    char* target = target_of(path);
+    char* temporary = target == nullptr ? nullptr : strdup(target);
+    char* folder = target == nullptr ? nullptr : strdup(target);
     bool replaced = false;
     if (temporary != nullptr && folder != nullptr) {
         const size_t length = strlen(temporary);
         if (length > 0 && temporary[length - 1] != '~') {
             temporary[length - 1] = '~';
-            replaced = replace_in_folder(
-                {target == nullptr ? path : target, temporary, dirname(folder)}, bytes, size);
+            replaced = replace_in_folder({target, temporary, dirname(folder)}, bytes, size);
         }
     }
     free(target);

@@ -7,8 +7,8 @@
 const char* find_after(const char* text, const char* needle);
 
 // Stores in `out_text` a newly allocated copy of the whole file, NUL-terminated, that the caller
-// frees. `out_text` stays as it is when the file cannot be opened, and becomes null when memory
-// runs out.
+// frees. `out_text` stays as it is when read_file cannot read it, and becomes null when memory runs
+// out.
 void read_file_text(const char* path, char** out_text);
 
 // Makes every carriage return and line feed of a dump a NUL, so that its lines become texts; a CR

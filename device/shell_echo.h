@@ -28,7 +28,8 @@ bool only_the_shell_knows(const char* text);
 // A third octal digit that would lead beyond 255 is no part of the number: \400 is a blank and "0".
 // "\x" without a digit, a backslash before any other byte and one at the end stay as they are.
 //
-// So a backslash that is to arrive needs four (or three before a byte that no escape begins with).
+// So four backslashes always arrive as one; before a byte that begins an escape of neither, one is
+// enough.
 // `text` must not look like an option of echo ("-n", "-e", "-E" and their combinations), which no
 // JSON text does.
 size_t interpret_echoed(char* text);

@@ -27,23 +27,24 @@ void run_shell_line(const char* line);
 // the exit status of the command as pclose gives it.
 int read_command_output(const char* command, char* out);
 
-// Reads a whole file. False, with `file` untouched, when it cannot be opened; true otherwise, with
-// `file->bytes` null when memory ran out.
+// Reads a whole file. False, with `file` untouched, when it cannot be opened or has no size, as a
+// pipe; true otherwise, with `file->bytes` null when memory ran out.
 bool read_file(const char* path, FileBytes* file);
 
 // Whether there is a file or a folder of that name; links are followed.
 bool file_exists(const char* path);
 
 // Empties or creates the file and writes the bytes into it. False, with nothing changed, when it
-// cannot be opened for writing, and false when the disk did not take all of the bytes.
+// cannot be opened for writing; false, with the file removed, when the disk did not take all of the
+// bytes, so that nobody reads half of it.
 bool write_file(const char* path, const char* bytes, size_t size);
 
 // Replaces the file as a whole: after a full disk, a power cut or the death of this program it
 // holds either all of `bytes` or what it held before, flushed to the disk. An existing file keeps
 // its mode. No temporary file is left over, also when this program is killed; after a power cut one
 // may be (the same name with "~" for its last character), which the next replacement removes; a
-// path that itself ends in "~" is refused. A link is followed. False when it is not known that the
-// file has the new content.
+// path that itself ends in "~" is refused. A link is followed, one that leads nowhere yet too. False
+// when it is not known that the file has the new content.
 bool replace_file(const char* path, const char* bytes, size_t size);
 
 // Sends one command to the front-panel microcontroller and waits until its answer is complete, at

@@ -1,7 +1,8 @@
 // "stream"."audio": which sound goes where, how loud, and the analog port.
 //
-// The three models differ in their sources, in the numbers of the analog port and in what they do
-// with a volume whose source is not given; each difference is a value of AudioModel.
+// The three models differ in their sources, in the numbers of the analog port, in what they do with
+// a volume whose source is not given and in where the analog port's "auto" stands; each difference
+// is a value of AudioModel.
 #include <cstring>
 
 #include "device/lines.h"

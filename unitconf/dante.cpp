@@ -165,8 +165,8 @@ static constexpr Member dante_audio_members[] = {
     any_case(handled("rx_ch2_use_device_name", JsonType::boolean, follow_with_rx_channel_2)),
     handled("zavo_audio_bridge", JsonType::boolean, bridge_stream_audio),
     handled("tx_enable", JsonType::boolean, switch_transmitting, pause_when_sent(3)),
-    exact_case(ignored("tx_audio_mute", JsonType::boolean)),
-    exact_case(ignored("rx_enable", JsonType::boolean)),
+    ignored("tx_audio_mute", JsonType::boolean),
+    ignored("rx_enable", JsonType::boolean),
 };
 static_assert(well_formed(dante_audio_members));
 

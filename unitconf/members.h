@@ -8,7 +8,8 @@
 // What holds for every row, so that no table can get it wrong:
 // - a row that takes a boolean looks its key up by exact case, every other row ignores case, as the
 //   documents in the field rely on; `any_case` and `exact_case` mark the exceptions;
-// - a member that is missing, of another type or outside its words sends nothing, without a word;
+// - a member that is missing, of another type or outside its words sends nothing, without a word,
+//   unless its kind of row says what it sends then;
 // - numbers are the integer values of the JSON numbers, cut towards zero and held at the 32-bit
 //   limits; whether one is negative is decided on that value.
 #pragma once
@@ -341,7 +342,11 @@ constexpr Member pause(unsigned char seconds) {
 
 // A member that documents carry and that changes nothing.
 constexpr Member ignored(const char* key, JsonType type, Pauses pauses = {}) {
-    return {.kind = Kind::ignored, .type = type, .pauses = pauses, .key = key};
+    return {.kind = Kind::ignored,
+            .type = type,
+            .exact_case = type == JsonType::boolean,
+            .pauses = pauses,
+            .key = key};
 }
 
 // --- What changes a row --------------------------------------------------------------------------

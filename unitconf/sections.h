@@ -29,8 +29,8 @@ void apply_decoder_video_section(const cJSON* section);
 // Sets the sources, volumes (of any value, not checked) and mutes of the audio paths and the analog
 // port, and on the decoder which streams are received. Costs up to 16 seconds of pauses on the
 // encoders and 25 on the decoder. Where the document gives no source or no direction of the analog
-// port, the present one counts; only the decoder's volume then sends an empty command. With an
-// unknown direction the analog port's type, volume and mute are skipped.
+// port, the present one counts; only the decoder's volume of "dante_aes67_tx" then sends an empty
+// command. With an unknown direction the analog port's type, volume and mute are skipped.
 void apply_usbc_encoder_audio_section(const cJSON* section);
 void apply_hdmi_encoder_audio_section(const cJSON* section);
 void apply_decoder_audio_section(const cJSON* section);
@@ -88,7 +88,8 @@ void apply_usb_host_section(const cJSON* section);
 void apply_osd_section(const cJSON* section);
 
 // The decoder's place in a wall of at most 19 by 19 displays, what of the picture it shows and its
-// bezels, then whether it takes part, which is what the displays change with (1 to 3 seconds).
+// bezels. All of that is stored only; the displays change when "enable" says whether the decoder
+// takes part (1 to 3 seconds).
 // Sizes and positions outside the limits are skipped by themselves.
 void apply_video_wall_section(const cJSON* section);
 
@@ -97,7 +98,8 @@ void apply_video_wall_section(const cJSON* section);
 // The names of the Dante device and its channels, its transmitter, its bridge to the stream audio,
 // and the add-on mode of the unit. The mode is set by every section: one that asks for neither kind
 // of add-on, whatever its JSON type, switches the add-on off. A channel name that is too long for
-// Dante is stored and not sent. Takes at least 6 seconds, and 3 more for each name sent to Dante.
+// Dante is stored and not sent. Takes at least 6 seconds, 3 more for each channel name sent to
+// Dante and for the transmitter's switch, and 1 for the device name.
 void apply_dante_section(const cJSON* section);
 
 // services/serial.cpp, services/ir_trigger.cpp

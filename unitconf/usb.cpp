@@ -121,7 +121,7 @@ static size_t find_roaming_units(Field layout, RoamingUnit* units) {
     return count;
 }
 
-// The layout begins with the grid's origin.
+// A layout begins with the grid's origin. Any "0,0" in its first entry passes for that.
 static bool begins_at_origin(Field entry) {
     return memmem(entry.text, static_cast<size_t>(entry.length), "0,0", 3) != nullptr;
 }
@@ -302,13 +302,13 @@ static bool store_roaming_layout(const Section& section, const cJSON* item) {
 
 // Keyboard/mouse and USB 2 are accepted and switch nothing, so that documents with them apply.
 static constexpr Member usb_km_members[] = {
-    exact_case(ignored("enable", JsonType::boolean, pause_always(1))),
+    ignored("enable", JsonType::boolean, pause_always(1)),
 };
 static_assert(well_formed(usb_km_members));
 
 static constexpr Member usb_2_members[] = {
-    exact_case(ignored("enable", JsonType::boolean)),
-    exact_case(ignored("usb_follow_video", JsonType::boolean)),
+    ignored("enable", JsonType::boolean),
+    ignored("usb_follow_video", JsonType::boolean),
 };
 static_assert(well_formed(usb_2_members));
 

@@ -49,12 +49,14 @@ inline constexpr char how_it_is_read[] = R"text(
   - `network`: `services_settings` makes the VLAN member lists of both ports anew.
   - `usb_host.host_select` and `osd.settings.position`: a word that is not listed is sent as -1.
   - `stream.audio` and `hdcp`: a mute or a compatibility switch that is not a boolean sends an empty
-    command. `latency_mode`, `aes256_mode` and an empty `hostname` can run an empty line. Neither changes
-    a setting.
+    command, and so does the decoder's `dante_aes67_tx.volume` without a usable `source`. `latency_mode`,
+    `aes256_mode` and an empty `hostname` can run an empty line. Neither changes a setting.
 - Keys of booleans must be spelled exactly; all other keys ignore case. Where a row differs, it says
   "exact case" or is listed without it. Of two keys that are the same, the first counts. Words are
   always compared exactly.
 - Numbers are cut to whole ones and held between -2147483648 and 2147483647.
+- Where the present video engine option is changed (`latency_mode`, `aes256_mode`, `dante`), a present
+  `0x8` counts as `0x80000000`, and `0x0` or no value as `0x00000000`.
 - Texts go into the unit's shell lines as they stand. What a text can do there depends on its place:
   - Where `%s` stands without quotes, as most do, a blank ends the value, and a line feed or any sign
     that the shell knows (`;`, `&`, `<`, `>`, `(`, `)`, `#`, `*`, `?`, `$`, quotes of either kind, the
@@ -303,7 +305,8 @@ inline constexpr Note notes[] = {
     {"dante", every_model, "dante_audio_only",
      "`true`, at the end: `astparam s a_addon dante;astparam s dante_op_mode audio-only;lmparam s "
      "A_ADDON dante;lmparam s DANTE_OP_MODE audio-only;`. Neither this nor `dante_ava` true: "
-     "`astparam s v_eng_drv_option 0x8%s;` with the present option behind its first digit, then "
+     "`astparam s v_eng_drv_option 0x8%s;` with the present option behind its first digit (not "
+     "when the present text holds no `0x`), then "
      "`astparam s a_addon none;astparam s dante_op_mode none;lmparam s A_ADDON none;lmparam s "
      "DANTE_OP_MODE none;`"},
     {"fan_control", every_model, "enable",
@@ -315,7 +318,8 @@ inline constexpr Note notes[] = {
     {"serial", every_model, "",
      "A `setting` or a `userdefined`, of any type, has the port set and the stored list merged, in "
      "these steps:\n\n1. Each value of the line is the document's, otherwise the present one of "
-     "the live store's `S0_BAUDRATE`, and `9600` and `8n1` where that is missing too.\n2. "
+     "the live store's `S0_BAUDRATE`, and `9600` and `8n1` where that is missing too. (While the "
+     "live store's dump is missing, the run-time store's `fplock` stands in its place.)\n2. "
      "`astparam s s0_baudrate %s-%s%s%s;lmparam s S0_BAUDRATE %s-%s%s%s;change_serial -f "
      "/dev/ttyS0 -b %s;`, filled with baud rate, data bits, parity and stop bits, also when "
      "nothing has changed; then a pause of 1 s.\n3. The stored list `/user_data2/rs232_list.json` "
@@ -361,7 +365,27 @@ inline constexpr Note notes[] = {
     {"network", every_model, "",
      "An IPv4 address is valid with four numbers, the first and the last from 1 to 254, the others "
      "from 0 to 254: 255 is refused anywhere. Net masks, gateways and name servers are not "
-     "checked."},
+     "checked.\n\nAn object `services_settings` has the VLAN member lists of both ports made anew "
+     "behind the three services, in these steps:\n\n"
+     "1. What the unit's store then holds is read: the lists `vlan1Untag`, `vlan1Tag`, "
+     "`vlan2Untag` and `vlan2Tag`, and of each service whether it has a VLAN of its own, on which "
+     "port, its ID and its membership on each port (`streamVlanMode`, `streamLanPort`, "
+     "`streamVlanID`, `lan1stream`, `lan2stream`, and the same of `dante` and `control`). Of a "
+     "list longer than 1023 bytes only the end is read: keep the lists shorter.\n"
+     "2. A service belongs into a list when it has a VLAN of its own (`y`), is sent through that "
+     "port (`1`, `2`, or `0` for both) and its membership there is that of the list (`1` tagged, "
+     "`0` untagged). The IDs of the services that belong into a list are put in front of it, in "
+     "the order stream, Dante, control. The IDs of those that do not are taken out of it wherever "
+     "they stand, also where another service has put the same number.\n"
+     "3. Where an untagged list is empty now, it becomes `1`, with `astparam s vlan1ID 1` or "
+     "`astparam s vlan2ID 1`.\n"
+     "4. Each service of the document, in the order stream, control, Dante, that has `enable` "
+     "true and a number `vlan_id` sets `astparam s vlan1ID %d` where its `lan_1` begins with "
+     "`untagged`, and `astparam s vlan2ID %d` where its `lan_2` does, whatever its `lan_port`: "
+     "the last one counts.\n"
+     "5. `astparam s vlan1Untag %s`, `astparam s vlan1Tag %s`, `astparam s vlan2Untag %s`, "
+     "`astparam s vlan2Tag %s`. A tagged list that is empty now is not written: the store keeps "
+     "the one it has."},
     {"network", every_model, "lan1.use_device_name",
      "flag 2 of `device_name_sync_enable`: `astparam s device_name_sync_enable %s;` with all "
      "flags; `true` also makes `hostname` take the device name"},
@@ -371,8 +395,7 @@ inline constexpr Note notes[] = {
      "name that is taken, and the text of `hostname`, which must be there all the same, does not "
      "count. An empty name runs an empty line"},
     {"network", every_model, "services_settings",
-     "behind the three services, the VLAN member lists of both ports are made anew from what the "
-     "unit then holds"},
+     "the VLAN member lists of both ports are made anew, as above"},
     {"aes256", every_model, "aes256_mode",
      "1 or `\"standard\"`: the third character of the present video engine option becomes `8`; 2 "
      "or `\"high\"`: `0`; `astparam s v_eng_drv_option %s;`. Another number of 0 or more runs an "

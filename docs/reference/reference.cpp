@@ -167,7 +167,8 @@ void print_rows(const SectionTable& table, const std::string& path, const Member
 
 void add_note(const Note* note, const SectionTable& table, const Member& row,
               const std::string& name, std::string* told) {
-    if (note != nullptr) {
+    // What is done with an object as a whole stands at its own row, not at that of its members.
+    if (note != nullptr && row.kind != Kind::object) {
         append_remark(told, note->text);
     } else if (row.kind == Kind::handled) {
         fprintf(stderr, "no note for %s %s\n", table.section, name.c_str());

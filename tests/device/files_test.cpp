@@ -1,9 +1,12 @@
 // Files read and written on the host.
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <set>
@@ -76,6 +79,22 @@ TEST_F(Files, WritingEmptiesOrCreatesTheFile) {
 
 TEST_F(Files, WritingToAFullDiskSaysSo) {
     EXPECT_FALSE(write_file("/dev/full", "text", 4));
+}
+
+TEST_F(Files, AFileThatTheDiskHasNoRoomForIsRemoved) {
+    provide("a", "old");
+    const pid_t child = fork();
+    if (child == 0) {
+        const rlimit limit = {1000, 1000};
+        signal(SIGXFSZ, SIG_IGN);
+        setrlimit(RLIMIT_FSIZE, &limit);
+        const std::string text(1001, 'n');
+        _exit(write_file(path("a").c_str(), text.data(), text.size()) ? 1 : 0);
+    }
+    int status = -1;
+    waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(names(), std::set<std::string>());
 }
 
 TEST_F(Files, WritingWhereNothingCanBeOpenedSaysSo) {

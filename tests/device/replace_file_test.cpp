@@ -138,6 +138,24 @@ TEST_P(ReplaceFile, AFullDiskLeavesTheOldFileAndNothingElse) {
     EXPECT_EQ(names(), only_the_list);
 }
 
+TEST_P(ReplaceFile, ALinkIsFollowed) {
+    std::filesystem::create_directory(path("kept"));
+    std::filesystem::create_symlink("kept/the_list", list);
+    for (const char* text : {"made", "replaced"}) {
+        EXPECT_EQ(replaced(text), 0);
+        EXPECT_TRUE(std::filesystem::is_symlink(list));
+        EXPECT_EQ(content("kept/the_list"), text);
+    }
+    EXPECT_EQ(names(), std::set<std::string>({"kept", "list.json"}));
+}
+
+TEST_P(ReplaceFile, ALinkThatCannotLeadAnywhereIsAFailure) {
+    std::filesystem::create_symlink("none/the_list", list);
+    EXPECT_EQ(replaced("new"), 1);
+    EXPECT_TRUE(std::filesystem::is_symlink(list));
+    EXPECT_EQ(names(), only_the_list);
+}
+
 TEST_P(ReplaceFile, AFolderThatIsNotThereIsAFailure) {
     const std::string none = path("none/list.json");
     EXPECT_EQ(in_child([&] { return replace_file(none.c_str(), "x", 1); }), 1);

@@ -73,8 +73,12 @@ int read_command_output(const char* command, char* out) {
     record(std::string("read ") + command);
     const auto answer = answers.find(command);
     if (answer != answers.end()) {
+        // Of a long line the last piece, as it is read.
+        const size_t size = answer->second.size();
+        const size_t start =
+            size == 0 ? 0 : (size - 1) / (output_text_size - 1) * (output_text_size - 1);
         memset(out, 0, output_text_size);
-        memcpy(out, answer->second.c_str(), std::min(answer->second.size(), output_text_size - 1));
+        memcpy(out, answer->second.data() + start, size - start);
     }
     return 0;
 }
