@@ -43,7 +43,7 @@ static constexpr StoredList built_in_trigger_lists[] = {
 static constexpr int built_in_triggers =
     sizeof built_in_trigger_lists / sizeof built_in_trigger_lists[0];
 
-static void store_list(const char* json, const StoredList& list) {
+static void write_list(const char* json, const StoredList& list) {
     char* text = encode_list_text(json, LineBreaks::drop);
     if (text != nullptr) {
         echo_into_file(text, list.file);
@@ -56,7 +56,7 @@ static void store_list(const char* json, const StoredList& list) {
 static void store_printed(const cJSON* item, const StoredList& list) {
     char* printed = cJSON_Print(item);
     if (printed != nullptr) {
-        store_list(printed, list);
+        write_list(printed, list);
         cJSON_free(printed);
     }
 }
@@ -68,7 +68,7 @@ int store_rs232_list(const char* content) {
     if (find_member(data, "setting", false) == nullptr) {
         return 0;
     }
-    store_list(content, rs232_list);
+    write_list(content, rs232_list);
     return 1;
 }
 
@@ -83,7 +83,7 @@ int store_ir_list(const char* content) {
         !cJSON_IsString(repeats) || !cJSON_IsString(repeat_delay)) {
         return 0;
     }
-    store_list(content, ir_list);
+    write_list(content, ir_list);
     run_shell_format(
         "astparam s ir_setting_delay %s;astparam s ir_setting_rpt %s;"
         "astparam s ir_setting_rpt_delay %s;astparam save;",

@@ -15,13 +15,16 @@ static constexpr size_t longest_dante_source = 29;
 // unit's name synchronisation flags is "1". The third flag, the host name's, leads to no line: the
 // host name keeps what it has until the network section sets it.
 struct FollowingChannel {
+    NameSyncFlag flag;
     const char* store;
     const char* dante;
 };
 
 static constexpr FollowingChannel following_channels[] = {
-    {"astparam s a_d_tx_ch1_name \"%s-01\"", "dapi --txch1_name \"%s-01\" > /dev/null 2>&1"},
-    {"astparam s a_d_tx_ch2_name \"%s-02\"", "dapi --txch2_name \"%s-02\" > /dev/null 2>&1"},
+    {sync_tx_channel_1, "astparam s a_d_tx_ch1_name \"%s-01\"",
+     "dapi --txch1_name \"%s-01\" > /dev/null 2>&1"},
+    {sync_tx_channel_2, "astparam s a_d_tx_ch2_name \"%s-02\"",
+     "dapi --txch2_name \"%s-02\" > /dev/null 2>&1"},
 };
 
 // The store takes the name as given, Dante a plain form of it and no long ones. The plain form is
@@ -48,15 +51,12 @@ void apply_device_name(const cJSON* item) {
     if (strlen(name) <= longest_device_name) {
         send_filled_line(Channel::shell, "astparam s deviceName \"%s\" > /dev/null 2>&1", name);
     }
-    const char* flag = present.value[slot_device_name_sync_enable];
+    const char* flags = present.value[slot_device_name_sync_enable];
+    const size_t count = strlen(flags);
     for (const FollowingChannel& channel : following_channels) {
-        if (*flag == '\0') {
-            return;
-        }
-        if (*flag == '1') {
+        if (channel.flag < count && flags[channel.flag] == '1') {
             name_channel(channel, name);
         }
-        flag++;
     }
 }
 

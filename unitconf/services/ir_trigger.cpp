@@ -113,7 +113,7 @@ static void replace_custom_lists(const cJSON* custom) {
     }
 }
 
-static bool store_trigger_lists(const Section& /*section*/, const cJSON* lists) {
+static bool store_event_lists(const Section& /*section*/, const cJSON* lists) {
     if (!cJSON_IsArray(lists)) {
         return false;
     }
@@ -127,7 +127,7 @@ static bool store_trigger_lists(const Section& /*section*/, const cJSON* lists) 
 }
 
 static constexpr Member trigger_members[] = {
-    exact_case(handled("trigger_lists", JsonType::array, store_trigger_lists)),
+    exact_case(handled("trigger_lists", JsonType::array, store_event_lists)),
     flag("enable", "astparam s triggerEnable 1;", "astparam s triggerEnable 0;"),
 };
 static_assert(well_formed(trigger_members));
