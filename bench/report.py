@@ -113,6 +113,12 @@ def replace_between(text, name, content):
     return pattern.sub(lambda _: f"{begin}\n\n{content}\n\n{end}", text)
 
 
+def per_step(series):
+    milliseconds = straight_line(series["points"])[0]
+    number = f"{milliseconds:.3g} ms" if milliseconds >= 1 else f"{1000 * milliseconds:.3g} µs"
+    return f"{number} a {series['x'].removesuffix('s')}"
+
+
 def write_documents(found, folder):
     page = os.path.join(folder, "performance.md")
     with open(page, encoding="utf-8") as file:
@@ -120,9 +126,8 @@ def write_documents(found, folder):
     text = replace_between(text, "table", markdown_table(HEADINGS, map(cells, found["rows"])))
     text = replace_between(text, "growth", markdown_table(
         ("Time against", "Each", "Explained by a straight line"),
-        ((series["name"].lower(),
-          f"{1000 * straight_line(series['points'])[0]:.3g} µs a {series['x'].removesuffix('s')}",
-          f"{100 * series['straightness']:.1f} %") for series in found["growth"])))
+        ((series["name"], per_step(series), f"{100 * series['straightness']:.1f} %")
+         for series in found["growth"])))
     text = replace_between(text, "sections", markdown_table(
         ("Model", "Section", "Shell lines", "Microcontroller commands", "Pauses (s)",
          "Programs started"), found["sections"]))
