@@ -43,8 +43,8 @@ bool write_file(const char* path, const char* bytes, size_t size);
 // holds either all of `bytes` or what it held before, flushed to the disk. An existing file keeps
 // its mode. No temporary file is left over, also when this program is killed; after a power cut one
 // may be (the same name with "~" for its last character), which the next replacement removes; a
-// path that itself ends in "~" is refused. A link is followed, one that leads nowhere yet too. False
-// when it is not known that the file has the new content.
+// path that itself ends in "~" is refused. A link is followed, one that leads nowhere yet too.
+// False when it is not known that the file has the new content.
 bool replace_file(const char* path, const char* bytes, size_t size);
 
 // Sends one command to the front-panel microcontroller and waits until its answer is complete, at
