@@ -354,8 +354,9 @@ TEST_P(KilledReplaceFile, EverythingKilledAtAnySystemCallLeavesOneWholeFile) {
     EXPECT_GT(old_ones, 0);
     EXPECT_GT(new_ones, 1);
     // Without a name, something is left over only between being named and taking the place: two
-    // system calls on, with a stop before and behind each.
-    const int most = GetParam() == Way::nameless ? 4 : 1000;
+    // system calls on, with a stop before and behind each. Now and then the sanitizers' allocator
+    // makes a call of its own, which puts off one run's kill into that time.
+    const int most = GetParam() == Way::nameless ? 4 + 4 : 1000;
     EXPECT_LE(left_overs, most);
     EXPECT_GT(left_overs, 0);
 }
