@@ -74,7 +74,7 @@ static void choose_edid_again() {
 }
 
 static int load_document(const cJSON* document) {
-    const char* edid = nonempty_text(find_member(document, "custom_edid", false));
+    const char* edid = nonempty_text(find_member(document, "custom_edid"));
     if (edid != nullptr) {
         char digits[edid_digits];
         if (!read_edid(edid, digits)) {
@@ -83,7 +83,7 @@ static int load_document(const cJSON* document) {
         send_edid(digits);
         choose_edid_again();
     }
-    const char* name = nonempty_text(find_member(document, "custom_edid_name", false));
+    const char* name = nonempty_text(find_member(document, "custom_edid_name"));
     if (name != nullptr) {
         send_filled_line(Channel::shell, "astparam s edid_user_defined1 \"%s\" > /dev/null 2>&1",
                          name);

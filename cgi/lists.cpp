@@ -45,10 +45,11 @@ static constexpr int built_in_triggers =
 
 static void write_list(const char* json, const StoredList& list) {
     char* text = encode_list_text(json, LineBreaks::drop);
-    if (text != nullptr) {
-        echo_into_file(text, list.file);
-        free(text);
+    if (text == nullptr) {
+        return;
     }
+    echo_into_file(text, list.file);
+    free(text);
     run_shell_line(list.copy_line);
 }
 
@@ -64,8 +65,8 @@ static void store_printed(const cJSON* item, const StoredList& list) {
 // --- RS-232 --------------------------------------------------------------------------------------
 
 int store_rs232_list(const char* content) {
-    const cJSON* data = find_member(parse_document(content), "data", false);
-    if (find_member(data, "setting", false) == nullptr) {
+    const cJSON* data = find_member(parse_document(content), "data");
+    if (find_member(data, "setting") == nullptr) {
         return 0;
     }
     write_list(content, rs232_list);
@@ -76,10 +77,10 @@ int store_rs232_list(const char* content) {
 
 int store_ir_list(const char* content) {
     const cJSON* document = parse_document(content);
-    const cJSON* delay = find_member(document, "delay", false);
-    const cJSON* repeats = find_member(document, "rpt", false);
-    const cJSON* repeat_delay = find_member(document, "rptdelay", false);
-    if (!cJSON_IsArray(find_member(document, "data", false)) || !cJSON_IsString(delay) ||
+    const cJSON* delay = find_member(document, "delay");
+    const cJSON* repeats = find_member(document, "rpt");
+    const cJSON* repeat_delay = find_member(document, "rptdelay");
+    if (!cJSON_IsArray(find_member(document, "data")) || !cJSON_IsString(delay) ||
         !cJSON_IsString(repeats) || !cJSON_IsString(repeat_delay)) {
         return 0;
     }
@@ -94,7 +95,7 @@ int store_ir_list(const char* content) {
 // --- Triggers ------------------------------------------------------------------------------------
 
 static const char* event_name(const cJSON* event) {
-    return cJSON_GetStringValue(find_member(event, "apievent", false));
+    return cJSON_GetStringValue(find_member(event, "apievent"));
 }
 
 // The file is named after the event. The running services get no working copy of it; what is copied
@@ -124,7 +125,7 @@ static int store_custom_lists(const cJSON* events) {
 }
 
 int store_trigger_lists(const char* content) {
-    const cJSON* data = find_member(parse_document(content), "data", false);
+    const cJSON* data = find_member(parse_document(content), "data");
     if (!cJSON_IsArray(data) || cJSON_GetArraySize(data) != built_in_triggers + 1) {
         return 0;
     }
@@ -133,5 +134,5 @@ int store_trigger_lists(const char* content) {
         store_printed(element, list);
         element = element->next;
     }
-    return store_custom_lists(find_member(element, "data", false));
+    return store_custom_lists(find_member(element, "data"));
 }

@@ -9,22 +9,24 @@
 // are removed again. Allocated, freed by the caller with cJSON_free; null when memory runs out.
 char* export_certificates();
 
-// Stores the RS-232 command codes, the uploaded text as it is, as /user_data2/rs232_list.json and
-// copies them to /var/tmp. 0, with nothing stored, when the text is not JSON or has no
+// Stores the RS-232 command codes, the uploaded text in its stored form (device/list_text.h, and
+// device/shell_echo.h for its backslashes), as /user_data2/rs232_list.json and copies them to
+// /var/tmp. 0, with nothing stored, when the text is not JSON or has no
 // "data"."setting"; otherwise 1, also when the unit could not store them.
 int store_rs232_list(const char* content);
 
-// Stores the IR codes, the uploaded text as it is, as /user_data2/ir_list.json, copies them to
-// /var/tmp and sets the IR timing. 0, with nothing stored or set, when the text is not JSON, "data"
-// is not an array, or one of the texts "delay", "rpt" and "rptdelay" is missing; otherwise 1.
+// Stores the IR codes, the uploaded text in its stored form, as /user_data2/ir_list.json, copies
+// them to /var/tmp and sets the IR timing. 0, with nothing stored or set, when the text is not
+// JSON, "data" is not an array, or one of the texts "delay", "rpt" and "rptdelay" is missing;
+// otherwise 1.
 int store_ir_list(const char* content);
 
 // Stores the trigger commands, one file for each of the three built-in events and one for each
 // event of the user's own (trigger_custom_event<apievent>_list.json). Each file's text is the
-// formatted print of its part. Custom files of events that are no longer listed stay.
-// 0, with nothing stored, when the text is not JSON or "data" is not an array of four; 0, with the
-// three built-in lists stored, when the fourth element has no array "data" or one of its events has
-// no text "apievent"; otherwise 1.
+// stored form of the formatted print of its part. Custom files of events that are no longer listed
+// stay. 0, with nothing stored, when the text is not JSON or "data" is not an array of four; 0,
+// with the three built-in lists stored, when the fourth element has no array "data" or one of its
+// events has no text "apievent"; otherwise 1.
 int store_trigger_lists(const char* content);
 
 // Loads a user-defined EDID of 256 bytes, given as 512 hexadecimal digits, into the front panel's

@@ -59,7 +59,7 @@ static constexpr const char* coordinate_keys[place_fields] = {
 
 // A member of another type is as good as missing: null.
 static const char* member_text(const cJSON* document, const char* key) {
-    return cJSON_GetStringValue(find_member(document, key, false));
+    return cJSON_GetStringValue(find_member(document, key));
 }
 
 static Screen read_screen(const cJSON* document) {

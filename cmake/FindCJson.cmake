@@ -1,13 +1,13 @@
-# cJSON, by pkg-config or by its own CMake package.
+# cJSON, by pkg-config or by its own CMake package. Older ones do not say whether an item was added.
 add_library(cjson_library INTERFACE)
 find_package(PkgConfig QUIET)
 if(PkgConfig_FOUND)
-    pkg_check_modules(CJSON QUIET IMPORTED_TARGET libcjson)
+    pkg_check_modules(CJSON QUIET IMPORTED_TARGET libcjson>=1.7.13)
 endif()
 if(TARGET PkgConfig::CJSON)
     target_link_libraries(cjson_library INTERFACE PkgConfig::CJSON)
 else()
-    find_package(cJSON CONFIG REQUIRED)
+    find_package(cJSON 1.7.13 CONFIG REQUIRED)
     target_include_directories(cjson_library INTERFACE ${CJSON_INCLUDE_DIRS})
     target_link_libraries(cjson_library INTERFACE ${CJSON_LIBRARIES})
 endif()

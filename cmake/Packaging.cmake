@@ -14,7 +14,7 @@ set(CPACK_STRIP_FILES ON)
 
 # Cross builds have no dpkg-shlibdeps that would look into the target's libraries, and the two
 # libraries are all there is; a test compares them with what the program asks for.
-set(CPACK_DEBIAN_PACKAGE_DEPENDS "libc6 (>= 2.34), libcjson1 (>= 1.7.10)")
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "libc6 (>= 2.34), libcjson1 (>= 1.7.13)")
 if(CMAKE_CROSSCOMPILING)
     set(CPACK_DEBIAN_PACKAGE_ARCHITECTURE armhf)
 endif()

@@ -84,7 +84,13 @@ struct Replacement {
 // The new content, written and flushed, in a file that may have no name yet.
 static bool write_content(int descriptor, const char* path, const char* bytes, size_t size) {
     struct stat present;
-    if (stat(path, &present) == 0 && fchmod(descriptor, present.st_mode & 07777) != 0) {
+    if (stat(path, &present) == 0) {
+        // Who may not give a file away keeps it.
+        [[maybe_unused]] const int given = fchown(descriptor, present.st_uid, present.st_gid);
+        if (fchmod(descriptor, present.st_mode & 07777) != 0) {
+            return false;
+        }
+    } else if (errno != ENOENT) {
         return false;
     }
     return write_all(descriptor, bytes, size) && fsync(descriptor) == 0;
@@ -146,7 +152,7 @@ static bool replace_in_folder(const Replacement& names, const char* bytes, size_
 static char* target_of(const char* path) {
     struct stat present;
     if (lstat(path, &present) != 0) {
-        return strdup(path);
+        return errno == ENOENT ? strdup(path) : nullptr;
     }
     if (S_ISLNK(present.st_mode) && !file_exists(path)) {
         const int descriptor = open(path, O_WRONLY | O_CREAT | O_CLOEXEC, 0666);

@@ -40,5 +40,5 @@ size_t interpret_echoed(char* text);
 // (letters, digits, "/", ".", "_", "-" and bytes above 127) the file is replaced as a whole, so
 // that a full disk or a power cut leaves the old one, and the length of the text does not matter.
 // Everything else goes through that line. `text` is used up: its bytes are not the same
-// afterwards. A failure is not reported and leaves the old file.
+// afterwards. A failure is not reported; where the shell does it, a full disk leaves a part.
 void echo_into_file(char* text, const char* path);

@@ -24,7 +24,8 @@ void run_shell_line(const char* line);
 // its line feed; a carriage return stays. Of a line longer than 1023 bytes the last fragment
 // counts. No output gives the empty text. An answer longer than 10 bytes that holds "not defined"
 // is no value: `out` keeps what it had. Otherwise all output_text_size bytes are written. Returns
-// the exit status of the command as pclose gives it.
+// the exit status of the command as pclose gives it, or -1, with the empty text, when the command
+// could not be started.
 int read_command_output(const char* command, char* out);
 
 // Reads a whole file. False, with `file` untouched, when it cannot be opened or has no size, as a
@@ -41,10 +42,11 @@ bool write_file(const char* path, const char* bytes, size_t size);
 
 // Replaces the file as a whole: after a full disk, a power cut or the death of this program it
 // holds either all of `bytes` or what it held before, flushed to the disk. An existing file keeps
-// its mode. No temporary file is left over, also when this program is killed; after a power cut one
-// may be (the same name with "~" for its last character), which the next replacement removes; a
-// path that itself ends in "~" is refused. A link is followed, one that leads nowhere yet too.
-// False when it is not known that the file has the new content.
+// its mode and its owner, but not its other names (hard links). No temporary file is left over,
+// also when this program is killed; after a power cut one may be (the same name with "~" for its
+// last character), which the next replacement removes; a path that itself ends in "~" is refused. A
+// link is followed, one that leads nowhere yet too. False when it is not known that the file has
+// the new content.
 bool replace_file(const char* path, const char* bytes, size_t size);
 
 // Sends one command to the front-panel microcontroller and waits until its answer is complete, at

@@ -1,4 +1,4 @@
-# What demo and test share: the packages they need and the build. Sourced by bash, with `set -eu` on.
+# What demo, test and bench share: the packages they need and the build. Sourced by bash, with `set -eu` on.
 
 repository=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 build_dir=${BUILD_DIR:-$repository/build}
@@ -120,18 +120,25 @@ ensure_armhf() {
     ensure_packages "${armhf_needs[@]}"
 }
 
+# preset_build PRESET FOLDER TARGET...: configures and builds the targets, or everything without any;
+# shows what was printed only when it fails. A folder that was configured by hand is configured anew
+# where it must be.
+preset_build() {
+    local preset=$1 folder=$2 log status=0
+    shift 2
+    log=$(mktemp)
+    {
+        cmake -S "$repository" --preset "$preset" -B "$folder" ||
+            cmake -S "$repository" --preset "$preset" -B "$folder" --fresh
+    } >"$log" 2>&1 &&
+        cmake --build "$folder" -j "${JOBS:-2}" ${1:+--target "$@"} >"$log" 2>&1 || status=$?
+    [ "$status" = 0 ] || cat "$log" >&2
+    rm -f "$log"
+    return "$status"
+}
+
 # build_gateways: the gateway of every model and the simulated unit, in $build_dir.
 build_gateways() {
-    local generator=() log
-    if [ ! -e "$build_dir/CMakeCache.txt" ]; then
-        generator=(-G Ninja)
-    fi
-    mkdir -p "$build_dir"
-    log=$build_dir/build.log
-    if ! { cmake -S "$repository" -B "$build_dir" "${generator[@]}" -DCMAKE_BUILD_TYPE=Release &&
-        cmake --build "$build_dir" -j "${JOBS:-2}" --target "${models[@]/#/gateway-}" unit_tool fast_clock; } \
-        >"$log" 2>&1; then
-        tail -n 40 "$log" >&2
-        die "The build failed; all of it is in $log"
-    fi
+    preset_build release "$build_dir" "${models[@]/#/gateway-}" unit_tool fast_clock ||
+        die "The build failed"
 }

@@ -68,7 +68,7 @@ static constexpr AudioModel usbc_encoder_audio = {
 // The source that the path's object asks for, or -1.
 template <const AudioModel& model>
 static int wanted_source(const Section& section) {
-    return choice_code(find_member(section.object, "source", false), model.sources);
+    return choice_code(find_member(section.object, "source"), model.sources);
 }
 
 template <const AudioModel& model>
@@ -144,7 +144,7 @@ static int code_of_beginning(const char* text, Vocabulary words) {
 // The direction that the port will have: the wanted one, also when it is none that is known, and
 // the present one where the document gives no text.
 static int direction_of_port(const Section& section) {
-    const cJSON* wanted = find_member(section.object, "direction", false);
+    const cJSON* wanted = find_member(section.object, "direction");
     if (cJSON_IsString(wanted)) {
         return code_of_beginning(wanted->valuestring, directions);
     }

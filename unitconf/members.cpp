@@ -8,9 +8,13 @@
 #include "device/unit.h"
 #include "unitconf/numbers.h"
 
-const cJSON* find_member(const cJSON* object, const char* key, bool exact_case) {
-    return exact_case ? cJSON_GetObjectItemCaseSensitive(object, key)
-                      : cJSON_GetObjectItem(object, key);
+const cJSON* find_member(const cJSON* object, const char* key, Case key_case) {
+    return key_case == Case::exact ? cJSON_GetObjectItemCaseSensitive(object, key)
+                                   : cJSON_GetObjectItem(object, key);
+}
+
+static Case case_of(bool exact) {
+    return exact ? Case::exact : Case::ignored;
 }
 
 const Word* find_word(const char* text, Vocabulary words) {
@@ -155,15 +159,15 @@ static bool apply_row(const Section& section, const Member& row) {
     }
     const cJSON* object = row.of_whole_section ? section.whole : section.object;
     if (row.partner != nullptr &&
-        find_member(object, row.partner, row.partner_exact_case) == nullptr) {
+        find_member(object, row.partner, case_of(row.partner_exact_case)) == nullptr) {
         return false;
     }
     if (row.displaced_by != nullptr &&
-        cJSON_IsObject(find_member(section.whole, row.displaced_by, false))) {
+        cJSON_IsObject(find_member(section.whole, row.displaced_by))) {
         return false;
     }
-    const cJSON* holder = row.parent == nullptr ? object : find_member(object, row.parent, false);
-    const cJSON* item = find_member(holder, row.key, row.exact_case);
+    const cJSON* holder = row.parent == nullptr ? object : find_member(object, row.parent);
+    const cJSON* item = find_member(holder, row.key, case_of(row.exact_case));
     return item != nullptr && apply_member(section, row, item);
 }
 

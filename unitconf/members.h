@@ -61,7 +61,7 @@ struct Vocabulary {
 };
 
 // Seconds waited behind a row: first `when_sent` if the row sent something, then `always`. Each is
-// a pause of its own.
+// a pause of its own. An object's row has no `when_sent`: its members have theirs.
 struct Pauses {
     unsigned char when_sent = 0;
     unsigned char always = 0;
@@ -117,7 +117,8 @@ enum class Kind : unsigned char {
     ignored,            // looked up and accepted, never applied by itself
 };
 
-// What a document must hold for the row to do its own.
+// What the row makes use of, for the compile-time check, the reference and the tests; the walker
+// goes by the kind.
 enum class JsonType : unsigned char {
     none,
     boolean,
@@ -128,6 +129,9 @@ enum class JsonType : unsigned char {
     object,
     any,
 };
+
+// Whether a key in other letters, upper or lower, is the same key.
+enum class Case : unsigned char { ignored, exact };
 
 // What only one kind of row has.
 union RowOwn {
@@ -384,17 +388,17 @@ constexpr Member not_empty(Member row) {
 
 // The row sends nothing unless the partner key is there too, whatever its type; its pause stays.
 // The partner is looked up as its own row looks it up.
-constexpr Member together_with(const char* partner, bool partner_exact_case, Member row) {
+constexpr Member together_with(const char* partner, Case partner_case, Member row) {
     row.partner = partner;
-    row.partner_exact_case = partner_exact_case;
+    row.partner_exact_case = partner_case == Case::exact;
     return row;
 }
 
 // A member without a line of its own: the row of `partner` reads it and says what becomes of it.
 // The row is there so that the table names every member.
-constexpr Member read_with(const char* partner, bool partner_exact_case, const char* key,
-                           JsonType type, Vocabulary words = {}) {
-    Member row = together_with(partner, partner_exact_case, ignored(key, type));
+constexpr Member read_with(const char* partner, Case partner_case, const char* key, JsonType type,
+                           Vocabulary words = {}) {
+    Member row = together_with(partner, partner_case, ignored(key, type));
     row.words = words;
     return row;
 }
@@ -499,7 +503,7 @@ constexpr bool well_formed_row(const Member& row) {
             return row.type != JsonType::none;
         case Kind::object:
         case Kind::object_only:
-            return row.member_count > 0;
+            return row.member_count > 0 && row.pauses.when_sent == 0;
         case Kind::always:
             return holds_only(row.line, '\0') && row.type == JsonType::none;
         case Kind::pause:
@@ -546,8 +550,8 @@ void apply_members_with_snapshot(const cJSON* section, const Member (&members)[c
 
 // --- What the walker and handlers share ----------------------------------------------------------
 
-// The item of a key, ignoring case or by exact case; null when there is none.
-const cJSON* find_member(const cJSON* object, const char* key, bool exact_case);
+// The item of a key; null when there is none.
+const cJSON* find_member(const cJSON* object, const char* key, Case key_case = Case::ignored);
 
 // The code of an item: a number's integer value; for a string the code of its word. Null, another
 // type or an unknown word gives -1.

@@ -114,7 +114,7 @@ static bool switch_wall(const Section& section, const cJSON* item) {
     pause_seconds(1);
     ParameterSnapshot present;
     take_snapshot(&present);
-    const char* mode = nonempty_text(find_member(section.object, "mode", false));
+    const char* mode = nonempty_text(find_member(section.object, "mode"));
     if (holds(mode, "symmetric")) {
         if (present.value[slot_vw_var_ver][0] == '2') {
             run_shell_line("e e_chg_video_wall_type;");
@@ -144,7 +144,7 @@ static constexpr Member video_wall_members[] = {
     number("viewable_width", "astparam s vw_moninfo_ha %d;"),
     number("viewable_height", "astparam s vw_moninfo_va %d;"),
     handled("enable", JsonType::boolean, switch_wall),
-    read_with("enable", true, "mode", JsonType::string, wall_modes),
+    read_with("enable", Case::exact, "mode", JsonType::string, wall_modes),
 };
 static_assert(well_formed(video_wall_members));
 

@@ -62,7 +62,7 @@ static bool store_green_list(const Section& section, const cJSON* enable) {
     if (!cJSON_IsBool(enable)) {
         return false;
     }
-    const cJSON* units = find_member(section.object, "lists", false);
+    const cJSON* units = find_member(section.object, "lists");
     const size_t count = static_cast<size_t>(cJSON_GetArraySize(units));
     BoundedText list = allocate_text((count + 1) * green_list_element_size);
     if (list.bytes == nullptr) {
@@ -72,7 +72,7 @@ static bool store_green_list(const Section& section, const cJSON* enable) {
     append_text(&list, on ? "USB_GREENLIST=y" : "USB_GREENLIST=n");
     const cJSON* element = nullptr;
     cJSON_ArrayForEach(element, units) {
-        const char* unit = nonempty_text(find_member(element, "ipaddr", false));
+        const char* unit = nonempty_text(find_member(element, "ipaddr"));
         if (unit != nullptr) {
             append_green_list_unit(&list, unit);
         }
@@ -292,7 +292,7 @@ static bool store_roaming_layout(const Section& section, const cJSON* item) {
     }
     send_filled_line(Channel::shell, "astparam s kmoip_roaming_layout \"%s\" > /dev/null 2>&1",
                      item->valuestring);
-    if (find_member(section.object, "roaming_map_file", false) == nullptr) {
+    if (find_member(section.object, "roaming_map_file") == nullptr) {
         update_roaming_layout(item->valuestring);
     }
     return true;
@@ -313,9 +313,9 @@ static constexpr Member usb_2_members[] = {
 static_assert(well_formed(usb_2_members));
 
 static constexpr Member green_list_members[] = {
-    together_with("lists", false,
+    together_with("lists", Case::ignored,
                   handled("enable", JsonType::boolean, store_green_list, pause_when_sent(1))),
-    read_with("enable", true, "lists", JsonType::array),
+    read_with("enable", Case::exact, "lists", JsonType::array),
 };
 static_assert(well_formed(green_list_members));
 

@@ -153,15 +153,15 @@ static constexpr Member encoder_cast_mode =
     handled("cast_mode", JsonType::string, apply_cast_mode, pause_when_sent(3), encoder_cast_modes);
 
 // A multicast address of one's own counts only together with its switch, and the other way round.
-static constexpr Member custom_multicast_address(bool switch_exact_case) {
+static constexpr Member custom_multicast_address(Case switch_case) {
     return together_with(
-        "custom_multicast", switch_exact_case,
+        "custom_multicast", switch_case,
         any_text("custom_multicast_address", "astparam s cus_multicast_address %s > /dev/null 2>&1",
                  pause_always(1)));
 }
 
 static constexpr Member custom_multicast =
-    together_with("custom_multicast_address", false,
+    together_with("custom_multicast_address", Case::ignored,
                   flag("custom_multicast", "astparam s cus_multicast_enable 1;",
                        "astparam s cus_multicast_enable 0;"));
 
@@ -192,7 +192,7 @@ static constexpr Member hdmi_encoder_members[] = {
     hdmi_loopout,
     stream_enable(pause_always(1)),
     encoder_cast_mode,
-    custom_multicast_address(true),
+    custom_multicast_address(Case::exact),
     custom_multicast,
 };
 static_assert(well_formed(hdmi_encoder_members));
@@ -210,7 +210,7 @@ static constexpr Member usbc_encoder_members[] = {
     choice("source_selection", source_selections, mcu("set,%d"), pause_always(1)),
     stream_enable(pause_always(3)),
     encoder_cast_mode,
-    custom_multicast_address(false),
+    custom_multicast_address(Case::ignored),
     any_case(custom_multicast),
 };
 static_assert(well_formed(usbc_encoder_members));

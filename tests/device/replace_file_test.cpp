@@ -124,6 +124,18 @@ TEST_P(ReplaceFile, AnExistingFileKeepsItsMode) {
     }
 }
 
+TEST_P(ReplaceFile, AnExistingFileKeepsItsOwner) {
+    put("old");
+    if (chown(list.c_str(), 1000, 1001) != 0) {
+        GTEST_SKIP() << "only root can give a file away";
+    }
+    EXPECT_EQ(replaced("new"), 0);
+    struct stat status = {};
+    stat(list.c_str(), &status);
+    EXPECT_EQ(status.st_uid, 1000U);
+    EXPECT_EQ(status.st_gid, 1001U);
+}
+
 TEST_P(ReplaceFile, AFullDiskLeavesTheOldFileAndNothingElse) {
     put("old");
     EXPECT_EQ(in_child([&] {
@@ -208,6 +220,9 @@ TEST_P(ReplaceFile, UploadsAtTheSameTimeLeaveOneOfThemWhole) {
         contents.insert(text);
         const pid_t writer = fork();
         if (writer == 0) {
+            if (GetParam() == Way::named) {
+                refuse_nameless_files();
+            }
             bool all = true;
             for (int i = 0; i < 5; i++) {
                 all = replace_file(list.c_str(), text.data(), text.size()) && all;

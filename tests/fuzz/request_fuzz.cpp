@@ -6,10 +6,12 @@
 
 #include "cgi/dispatch.h"
 #include "tests/support/recorder.h"
+#include "tests/support/streams.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size);
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    const HeldProcess process;  // a report has to be seen
     reset_recorder();
     answer_command("astparam g ethaddr", "00:11:22:33:44:55");
     answer_command("astparam g edid_set_u", "9");

@@ -1,46 +1,25 @@
 #include "cgi/dispatch.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <array>
-#include <csignal>
 #include <string>
 
 #include "tests/support/recorder.h"
+#include "tests/support/streams.h"
 
 namespace {
 
-// The dispatcher puts the standard streams aside and outlasts signals. Each test gives both back.
 class Dispatch : public testing::Test {
   protected:
     void SetUp() override {
         reset_recorder();
         answer_command("astparam g ethaddr", mac);
-        for (size_t i = 0; i < streams.size(); i++) {
-            streams[i] = dup(static_cast<int>(i));
-        }
-        for (size_t i = 0; i < signals.size(); i++) {
-            sigaction(signals[i], nullptr, &actions[i]);
-        }
-    }
-
-    void TearDown() override {
-        for (size_t i = 0; i < streams.size(); i++) {
-            dup2(streams[i], static_cast<int>(i));
-            close(streams[i]);
-        }
-        for (size_t i = 0; i < signals.size(); i++) {
-            sigaction(signals[i], &actions[i], nullptr);
-        }
     }
 
     static constexpr const char* mac = "A0:b1 C2";
 
   private:
-    std::array<int, 3> streams = {};
-    static constexpr std::array<int, 3> signals = {SIGHUP, SIGTERM, SIGPIPE};
-    std::array<struct sigaction, 3> actions = {};
+    HeldProcess process;
 };
 
 std::string reply_to(const std::string& request) {

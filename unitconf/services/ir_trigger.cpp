@@ -73,12 +73,12 @@ static constexpr int custom_position = 3;
 static_assert(sizeof event_lists / sizeof event_lists[0] == custom_position);
 
 static bool is_list_of(const cJSON* list, const char* word) {
-    const cJSON* type = find_member(list, "type", false);
+    const cJSON* type = find_member(list, "type");
     return cJSON_IsString(type) && strstr(type->valuestring, word) != nullptr;
 }
 
 static void store_event_list(const cJSON* list, const EventList& event) {
-    const cJSON* data = find_member(list, "data", false);
+    const cJSON* data = find_member(list, "data");
     if (data != nullptr && is_list_of(list, event.word)) {
         store_list_of(event.files, data);
     }
@@ -87,7 +87,7 @@ static void store_event_list(const cJSON* list, const EventList& event) {
 // An API event's list is a file of its own, written by the shell and named after the event; one
 // that does not name its event has no place to go.
 static void write_custom_list(const cJSON* list) {
-    const cJSON* event = find_member(list, "apievent", false);
+    const cJSON* event = find_member(list, "apievent");
     if (!cJSON_IsString(event)) {
         return;
     }
@@ -102,7 +102,7 @@ static void write_custom_list(const cJSON* list) {
 }
 
 static void replace_custom_lists(const cJSON* custom) {
-    const cJSON* lists = find_member(custom, "data", false);
+    const cJSON* lists = find_member(custom, "data");
     if (!cJSON_IsArray(lists) || !is_list_of(custom, "custom")) {
         return;
     }

@@ -55,7 +55,7 @@ static bool apply_host_name(const Section& section, const cJSON* item) {
     }
     char device_name[output_text_size] = {};
     read_command_output("astparam g deviceName", device_name);
-    const bool follows = cJSON_IsTrue(find_member(section.object, "use_device_name", true));
+    const bool follows = cJSON_IsTrue(find_member(section.object, "use_device_name", Case::exact));
     const char* name = follows ? device_name : item->valuestring;
     if (name[0] == '\0') {
         run_shell_line("");

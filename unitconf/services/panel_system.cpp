@@ -69,14 +69,14 @@ static bool switch_fan_off(const Section& section, const cJSON* enable) {
     }
     send_mcu_command("fanspeed,0");
     run_shell_format("astparam s fancontrol_bk %d;",
-                     parse_fan_speed(find_member(section.object, "speed_setting", false)));
+                     parse_fan_speed(find_member(section.object, "speed_setting")));
     return true;
 }
 
 // A fan that is switched on runs at its level; one that does not exist stops it.
 static bool set_fan_speed(const Section& section, const cJSON* speed) {
     const int level = parse_fan_speed(speed);
-    if (!cJSON_IsTrue(find_member(section.object, "enable", true)) || level < 0) {
+    if (!cJSON_IsTrue(find_member(section.object, "enable", Case::exact)) || level < 0) {
         return false;
     }
     send_mcu_format("fanspeed,%d", level <= fastest_fan_level ? level : 0);

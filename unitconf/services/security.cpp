@@ -72,7 +72,7 @@ static constexpr Word privacy_words[] = {
 // What the unit keeps as the trap's engine ID is the user name; the engine ID of the document only
 // says that it is to be stored. Without a user name there is nothing to store; an empty one is.
 static bool store_user_name_as_engine_id(const Section& section, const cJSON* item) {
-    const cJSON* user_name = find_member(section.object, "username", false);
+    const cJSON* user_name = find_member(section.object, "username");
     if (nonempty_text(item) == nullptr || !cJSON_IsString(user_name)) {
         return false;
     }

@@ -79,19 +79,19 @@ static void take_present_line(PortSettings* port, char* line) {
 // Replaces what the document gives. A parity that is no word leaves the present one; a format or an
 // ending that is no word becomes empty.
 static void take_setting(PortSettings* port, const cJSON* setting) {
-    take_number_or_text(port->baud, find_member(setting, "baud", false));
-    take_number_or_text(port->data_bits, find_member(setting, "databit", false));
-    take_number_or_text(port->stop_bits, find_member(setting, "stopbit", false));
-    const cJSON* parity = find_member(setting, "parity", false);
+    take_number_or_text(port->baud, find_member(setting, "baud"));
+    take_number_or_text(port->data_bits, find_member(setting, "databit"));
+    take_number_or_text(port->stop_bits, find_member(setting, "stopbit"));
+    const cJSON* parity = find_member(setting, "parity");
     const Word* word =
         cJSON_IsString(parity) ? find_word(parity->valuestring, parity_words) : nullptr;
     if (word != nullptr) {
         copy_text(port->parity, word->text);
     }
-    const cJSON* format = find_member(setting, "format", false);
+    const cJSON* format = find_member(setting, "format");
     copy_text(port->format,
               cJSON_IsString(format) ? word_text(format->valuestring, format_words) : "a");
-    const cJSON* ending = find_member(setting, "ending", false);
+    const cJSON* ending = find_member(setting, "ending");
     if (cJSON_IsString(ending)) {
         copy_text(port->ending, word_text(ending->valuestring, ending_words));
     }
@@ -136,8 +136,8 @@ static char* read_list(const char* path, LineBreaks line_breaks) {
 static void take_list_ending(PortSettings* port) {
     char* json = read_list(list_files.working, LineBreaks::keep);
     cJSON* list = cJSON_Parse(json);
-    const cJSON* setting = find_member(find_member(list, "data", false), "setting", false);
-    const cJSON* ending = find_member(setting, "ending", false);
+    const cJSON* setting = find_member(find_member(list, "data"), "setting");
+    const cJSON* ending = find_member(setting, "ending");
     copy_text(port->ending, cJSON_IsString(ending) ? ending->valuestring : "null");
     cJSON_Delete(list);
     free(json);
@@ -178,15 +178,15 @@ static void switch_mode(cJSON* list_setting, const char* key, bool on) {
 static void merge_setting(cJSON* list_setting, const cJSON* setting, const PortSettings& port,
                           Pass pass) {
     replace_member(list_setting, "baud",
-                   number_for_list(pass, find_member(setting, "baud", false), port.baud));
+                   number_for_list(pass, find_member(setting, "baud"), port.baud));
     replace_member(list_setting, "databit",
-                   number_for_list(pass, find_member(setting, "databit", false), port.data_bits));
+                   number_for_list(pass, find_member(setting, "databit"), port.data_bits));
     replace_member(list_setting, "stopbit",
-                   number_for_list(pass, find_member(setting, "stopbit", false), port.stop_bits));
+                   number_for_list(pass, find_member(setting, "stopbit"), port.stop_bits));
     replace_member(list_setting, "parity", cJSON_CreateString(port.parity));
     replace_member(list_setting, "ending", cJSON_CreateString(port.ending));
     replace_member(list_setting, "format", cJSON_CreateString(port.format));
-    const cJSON* format = find_member(setting, "format", false);
+    const cJSON* format = find_member(setting, "format");
     if (cJSON_IsString(format)) {
         const bool ascii = find_after(format->valuestring, "ascii") != nullptr;
         replace_member(list_setting, "type", cJSON_CreateString(ascii ? "1" : "2"));
@@ -210,9 +210,9 @@ static void merge_into_list(const cJSON* section, const PortSettings& port, Pass
     cJSON* data = cJSON_GetObjectItem(list, "data");
     cJSON* list_setting = cJSON_GetObjectItem(data, "setting");
     if (cJSON_IsObject(list_setting)) {
-        merge_setting(list_setting, find_member(section, "setting", false), port, pass);
+        merge_setting(list_setting, find_member(section, "setting"), port, pass);
     }
-    const cJSON* slots = find_member(section, "userdefined", false);
+    const cJSON* slots = find_member(section, "userdefined");
     if (cJSON_IsArray(slots)) {
         replace_member(data, "userdefined", cJSON_Duplicate(slots, true));
     }
@@ -230,12 +230,12 @@ static void apply_pass(const cJSON* section, const PortSettings& port, Pass pass
 
 static bool is_whole_setting(const PortSettings& port, const cJSON* setting) {
     return port.baud[0] != '\0' && port.data_bits[0] != '\0' && port.stop_bits[0] != '\0' &&
-           cJSON_IsString(find_member(setting, "parity", false)) &&
-           nonempty_text(find_member(setting, "ending", false)) != nullptr;
+           cJSON_IsString(find_member(setting, "parity")) &&
+           nonempty_text(find_member(setting, "ending")) != nullptr;
 }
 
 static void apply_line_and_list(const cJSON* section, char* present_line) {
-    const cJSON* setting = find_member(section, "setting", false);
+    const cJSON* setting = find_member(section, "setting");
     PortSettings port = {};
     take_present_line(&port, present_line);
     take_list_ending(&port);
@@ -244,7 +244,7 @@ static void apply_line_and_list(const cJSON* section, char* present_line) {
     if (is_whole_setting(port, setting)) {
         // The whole setting stands for itself: no present parity fills in for one that is no word.
         // Format and ending are those of the first pass, which took them from the document too.
-        const cJSON* parity = find_member(setting, "parity", false);
+        const cJSON* parity = find_member(setting, "parity");
         copy_text(port.parity, word_text(parity->valuestring, parity_words));
         apply_pass(section, port, Pass::whole_setting);
     }
@@ -286,8 +286,8 @@ static_assert(well_formed(setting_members) && well_formed(serial_pass_members) &
 void apply_serial_section(const cJSON* section) {
     ParameterSnapshot present;
     take_snapshot(&present);
-    if (find_member(section, "setting", false) != nullptr ||
-        find_member(section, "userdefined", false) != nullptr) {
+    if (find_member(section, "setting") != nullptr ||
+        find_member(section, "userdefined") != nullptr) {
         apply_line_and_list(section, present.value[slot_s0_baudrate]);
     }
     apply_members(section, serial_members);

@@ -150,12 +150,12 @@ static void store_port_vlan_id(const LanPort& port, int id) {
 // A port takes the VLAN of a service that the document enables and makes untagged there, whatever
 // port the service is sent through.
 static void follow_untagged_service(const cJSON* service) {
-    const cJSON* id = find_member(service, "vlan_id", false);
-    if (!cJSON_IsTrue(find_member(service, "enable", true)) || !cJSON_IsNumber(id)) {
+    const cJSON* id = find_member(service, "vlan_id");
+    if (!cJSON_IsTrue(find_member(service, "enable", Case::exact)) || !cJSON_IsNumber(id)) {
         return;
     }
     for (const LanPort& port : ports) {
-        const char* membership = nonempty_text(find_member(service, port.document_key, false));
+        const char* membership = nonempty_text(find_member(service, port.document_key));
         if (membership != nullptr && strncmp(membership, "untagged", strlen("untagged")) == 0) {
             store_port_vlan_id(port, id->valueint);
         }
@@ -171,7 +171,7 @@ static void store_member_lists(const PortLists (&lists)[lan_ports],
         }
     }
     for (const char* service : document_services) {
-        follow_untagged_service(find_member(services_settings, service, false));
+        follow_untagged_service(find_member(services_settings, service));
     }
     for (size_t i = 0; i < lan_ports; i++) {
         const char* untagged = lists[i].untagged[0] == '\0' ? "1" : lists[i].untagged;
