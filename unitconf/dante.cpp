@@ -36,6 +36,36 @@ struct ChannelNaming {
     size_t longest_sent;  // bytes, without what the line adds
 };
 
+static constexpr ChannelNaming tx_channel_1 = {
+    "astparam s a_d_tx_ch1_name \"%s\"  > /dev/null 2>&1",
+    "dapi --txch1_name \"%s\" > /dev/null 2>&1", 32};
+static constexpr ChannelNaming tx_channel_2 = {"astparam s a_d_tx_ch2_name \"%s\" > /dev/null 2>&1",
+                                               "dapi --txch2_name \"%s\" > /dev/null 2>&1", 31};
+static constexpr ChannelNaming rx_channel_1 = {
+    "astparam s a_d_rx_ch1_name \"%s\"  > /dev/null 2>&1",
+    "dapi --rxch1_name \"%s\" > /dev/null 2>&1", 32};
+static constexpr ChannelNaming rx_channel_2 = {"astparam s a_d_rx_ch2_name \"%s\" > /dev/null 2>&1",
+                                               "dapi --rxch2_name \"%s\" > /dev/null 2>&1", 31};
+
+// The same where a channel follows the device name, while its flag says so.
+struct SyncedChannel {
+    NameSyncFlag flag;
+    ChannelNaming naming;
+};
+
+static constexpr SyncedChannel following_tx_channel_1 = {
+    sync_tx_channel_1,
+    {"astparam s a_d_tx_ch1_name \"%s-01\"", "dapi --txch1_name \"%s-01\" > /dev/null 2>&1", 31}};
+static constexpr SyncedChannel following_tx_channel_2 = {
+    sync_tx_channel_2,
+    {"astparam s a_d_tx_ch2_name \"%s-02\"", "dapi --txch2_name \"%s-02\" > /dev/null 2>&1", 31}};
+static constexpr SyncedChannel following_rx_channel_1 = {
+    sync_rx_channel_1,
+    {"astparam s a_d_rx_ch1_name \"%s-01\"", "dapi --rxch1_name \"%s-01\" > /dev/null 2>&1", 31}};
+static constexpr SyncedChannel following_rx_channel_2 = {
+    sync_rx_channel_2,
+    {"astparam s a_d_rx_ch2_name \"%s-02\"", "dapi --rxch2_name \"%s-02\" > /dev/null 2>&1", 31}};
+
 // A channel has a plain form of the name, in which blanks stay. It is made of as many bytes as the
 // name has characters, so a multi-byte name loses its tail.
 static void set_channel_name(const ChannelNaming& naming, const char* name) {
@@ -52,7 +82,8 @@ static void set_channel_name(const ChannelNaming& naming, const char* name) {
     free(plain);
 }
 
-static bool name_channel(const ChannelNaming& naming, const cJSON* item) {
+template <const ChannelNaming& naming>
+static bool name_channel(const Section& /*section*/, const cJSON* item) {
     const char* name = nonempty_text(item);
     if (name == nullptr) {
         return false;
@@ -62,70 +93,23 @@ static bool name_channel(const ChannelNaming& naming, const cJSON* item) {
 }
 
 // The device name is read again for each channel: it may have been set a moment ago.
-static bool follow_device_name(NameSyncFlag flag, const ChannelNaming& naming, const cJSON* item) {
+static bool follow_device_name(const SyncedChannel& channel, const cJSON* item) {
     if (!cJSON_IsBool(item)) {
         return false;
     }
     const bool on = cJSON_IsTrue(item);
     ParameterSnapshot present;
     take_snapshot(&present);
-    store_name_sync_flag(flag, on);
+    store_name_sync_flag(channel.flag, on);
     if (on) {
-        set_channel_name(naming, present.value[slot_device_name]);
+        set_channel_name(channel.naming, present.value[slot_device_name]);
     }
     return true;
 }
 
-static bool name_tx_channel_1(const Section&, const cJSON* item) {
-    return name_channel({"astparam s a_d_tx_ch1_name \"%s\"  > /dev/null 2>&1",
-                         "dapi --txch1_name \"%s\" > /dev/null 2>&1", 32},
-                        item);
-}
-
-static bool name_tx_channel_2(const Section&, const cJSON* item) {
-    return name_channel({"astparam s a_d_tx_ch2_name \"%s\" > /dev/null 2>&1",
-                         "dapi --txch2_name \"%s\" > /dev/null 2>&1", 31},
-                        item);
-}
-
-static bool name_rx_channel_1(const Section&, const cJSON* item) {
-    return name_channel({"astparam s a_d_rx_ch1_name \"%s\"  > /dev/null 2>&1",
-                         "dapi --rxch1_name \"%s\" > /dev/null 2>&1", 32},
-                        item);
-}
-
-static bool name_rx_channel_2(const Section&, const cJSON* item) {
-    return name_channel({"astparam s a_d_rx_ch2_name \"%s\" > /dev/null 2>&1",
-                         "dapi --rxch2_name \"%s\" > /dev/null 2>&1", 31},
-                        item);
-}
-
-static bool follow_with_tx_channel_1(const Section&, const cJSON* item) {
-    return follow_device_name(sync_tx_channel_1,
-                              {"astparam s a_d_tx_ch1_name \"%s-01\"",
-                               "dapi --txch1_name \"%s-01\" > /dev/null 2>&1", 31},
-                              item);
-}
-
-static bool follow_with_tx_channel_2(const Section&, const cJSON* item) {
-    return follow_device_name(sync_tx_channel_2,
-                              {"astparam s a_d_tx_ch2_name \"%s-02\"",
-                               "dapi --txch2_name \"%s-02\" > /dev/null 2>&1", 31},
-                              item);
-}
-
-static bool follow_with_rx_channel_1(const Section&, const cJSON* item) {
-    return follow_device_name(sync_rx_channel_1,
-                              {"astparam s a_d_rx_ch1_name \"%s-01\"",
-                               "dapi --rxch1_name \"%s-01\" > /dev/null 2>&1", 31},
-                              item);
-}
-
-static bool follow_with_rx_channel_2(const Section&, const cJSON* item) {
-    return follow_device_name(sync_rx_channel_2,
-                              {"astparam s a_d_rx_ch2_name \"%s-02\"",
-                               "dapi --rxch2_name \"%s-02\" > /dev/null 2>&1", 31},
-                              item);
+template <const SyncedChannel& channel>
+static bool follow_device_name(const Section& /*section*/, const cJSON* item) {
+    return follow_device_name(channel, item);
 }
 
 // --- Transmitting and the bridge -----------------------------------------------------------------
@@ -155,14 +139,18 @@ static bool switch_transmitting(const Section&, const cJSON* item) {
 }
 
 static constexpr Member dante_audio_members[] = {
-    handled("tx_ch1_name", JsonType::string, name_tx_channel_1),
-    handled("tx_ch2_name", JsonType::string, name_tx_channel_2),
-    any_case(handled("tx_ch1_use_device_name", JsonType::boolean, follow_with_tx_channel_1)),
-    any_case(handled("tx_ch2_use_device_name", JsonType::boolean, follow_with_tx_channel_2)),
-    handled("rx_ch1_name", JsonType::string, name_rx_channel_1),
-    handled("rx_ch2_name", JsonType::string, name_rx_channel_2),
-    any_case(handled("rx_ch1_use_device_name", JsonType::boolean, follow_with_rx_channel_1)),
-    any_case(handled("rx_ch2_use_device_name", JsonType::boolean, follow_with_rx_channel_2)),
+    handled("tx_ch1_name", JsonType::string, name_channel<tx_channel_1>),
+    handled("tx_ch2_name", JsonType::string, name_channel<tx_channel_2>),
+    any_case(handled("tx_ch1_use_device_name", JsonType::boolean,
+                     follow_device_name<following_tx_channel_1>)),
+    any_case(handled("tx_ch2_use_device_name", JsonType::boolean,
+                     follow_device_name<following_tx_channel_2>)),
+    handled("rx_ch1_name", JsonType::string, name_channel<rx_channel_1>),
+    handled("rx_ch2_name", JsonType::string, name_channel<rx_channel_2>),
+    any_case(handled("rx_ch1_use_device_name", JsonType::boolean,
+                     follow_device_name<following_rx_channel_1>)),
+    any_case(handled("rx_ch2_use_device_name", JsonType::boolean,
+                     follow_device_name<following_rx_channel_2>)),
     handled("zavo_audio_bridge", JsonType::boolean, bridge_stream_audio),
     handled("tx_enable", JsonType::boolean, switch_transmitting, pause_when_sent(3)),
     ignored("tx_audio_mute", JsonType::boolean),
