@@ -1,5 +1,5 @@
-"""What a request costs in things that can be counted: read calls, programs started, bytes, memory that
-the program's file takes, libraries. Times are measured by scripts/bench instead.
+"""What a request costs in things that can be counted: read calls and programs started. Times are measured
+by scripts/bench instead.
 
 Run by scripts/test; GATEWAY_BUILD_DIR is the build folder (default: build)."""
 
@@ -15,7 +15,6 @@ import effects  # noqa: E402: found by the line above
 
 BUILD = os.path.join(effects.REPOSITORY, os.environ.get("GATEWAY_BUILD_DIR", "build"))
 GATEWAY = os.path.join(BUILD, "upload_gateway")
-ARM_SIZE_LIMIT = 100 * 1024
 
 HEADERS = b"HTTP/1.1 200 OK\r\nContent-Type: text/html\n\n"
 
@@ -129,41 +128,6 @@ def test_an_unknown_method_starts_nothing(tools, tmp_path):
         run = Run(tools, tmp_path, nothing, 0, method="PUT")
     assert run.programs() == ["upload_gateway"]
     assert run.printed == HEADERS
-
-
-# --- The program's file -----------------------------------------------------------------------------
-
-def needed_libraries(program):
-    text = subprocess.run(["readelf", "-d", program], stdout=subprocess.PIPE, check=True,
-                          text=True).stdout
-    return sorted(re.findall(r"\(NEEDED\).*\[(.*)\]", text))
-
-
-@pytest.mark.parametrize("program", ["upload_gateway", *(f"models/{model}/upload_gateway"
-                                                         for model in effects.MODELS)])
-def test_the_program_needs_the_c_library_and_cjson_only(program):
-    assert needed_libraries(os.path.join(BUILD, program)) == ["libc.so.6", "libcjson.so.1"]
-
-
-@pytest.fixture(name="arm_program", params=effects.MODELS)
-def fixture_arm_program(request):
-    path = os.path.join(effects.REPOSITORY, "build-armhf", "models", request.param,
-                        "upload_gateway")
-    if not os.path.exists(path):
-        pytest.skip("not built for 32-bit ARM")
-    return path
-
-
-def test_the_arm_program_needs_the_c_library_and_cjson_only(arm_program):
-    loader = "ld-linux-armhf.so.3"
-    libraries = [name for name in needed_libraries(arm_program) if name != loader]
-    assert libraries == ["libc.so.6", "libcjson.so.1"]
-
-
-def test_the_stripped_arm_program_takes_at_most_100_kb(arm_program, tmp_path):
-    stripped = tmp_path / "stripped"
-    subprocess.run(["arm-linux-gnueabihf-strip", "-o", str(stripped), arm_program], check=True)
-    assert stripped.stat().st_size <= ARM_SIZE_LIMIT
 
 
 # --- What a configuration starts --------------------------------------------------------------------

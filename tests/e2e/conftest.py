@@ -45,9 +45,17 @@ TOO_LARGE = "more than 500kb"
 NOT_JSON = "The uploaded file format is not JSON"
 TYPE_DELETED = "Invalid file, do not delete the type field in the JSON data."
 TYPE_MODIFIED = "Invalid file, do not modify the type field in the JSON data."
+RANGE = "Error, the parameter range is incorrect"
+ERROR_NODE = "Error, JSON data error node"
+INVALID_EDID = "Invalid EDID data, must be 256 bytes and contain only hex characters (0-9A-Fa-f)"
 
 # What every request does to the unit before anything else, and all that a refused one does.
 MAC_READ = ["line astparam g ethaddr", "tool astparam g ethaddr"]
+
+# What an encoder is told of a configuration that holds nothing but the device name "n".
+NAMED_N = ["line astparam g ethaddr", "line cp /dev/shm/rwparam /dev/shm/rwparam_temp",
+           'line astparam s deviceName "n" > /dev/null 2>&1', "progress 1-25", "line astparam save;",
+           "line e e_reboot &", "rebooted"]
 
 
 # Where the gateways of this run report to.

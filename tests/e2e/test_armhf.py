@@ -8,9 +8,9 @@ import time
 
 import pytest
 
-from conftest import (D200, E100, HEADERS, MAC_READ, NOT_JSON, NOT_SUPPORTED, REPOSITORY, TOO_LARGE,
-                      TYPE_DELETED, TYPE_MODIFIED, U300, built, curl, failure, form, fresh_unit,
-                      leaving_client, post, success, told, wait_until)
+from conftest import (D200, E100, ERROR_NODE, HEADERS, INVALID_EDID, MAC_READ, NOT_JSON, NOT_SUPPORTED, RANGE,
+                      REPOSITORY, TOO_LARGE, TYPE_DELETED, TYPE_MODIFIED, U300, built, curl, failure,
+                      form, fresh_unit, leaving_client, post, success, told, wait_until)
 
 ARMHF = os.path.join(REPOSITORY, os.environ.get("GATEWAY_ARMHF_BUILD_DIR", "build-armhf"))
 EMULATOR = "/usr/bin/qemu-arm-static"
@@ -18,10 +18,6 @@ EMULATOR = "/usr/bin/qemu-arm-static"
 pytestmark = pytest.mark.skipif(
     not os.path.exists(built(ARMHF, U300)) or not os.path.exists(EMULATOR),
     reason=f"NOT TESTED FOR 32-BIT ARM: {built(ARMHF, U300)} or {EMULATOR} is missing")
-
-RANGE = "Error, the parameter range is incorrect"
-ERROR_NODE = "Error, JSON data error node"
-INVALID_EDID = "Invalid EDID data, must be 256 bytes and contain only hex characters (0-9A-Fa-f)"
 
 
 def short(value):

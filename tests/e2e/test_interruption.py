@@ -7,11 +7,7 @@ import time
 
 import pytest
 
-from conftest import HEADERS, REPOSITORY, U300, form, post, start_unit, success, told
-
-COMPLETE = ["line astparam g ethaddr", "line cp /dev/shm/rwparam /dev/shm/rwparam_temp",
-            'line astparam s deviceName "n" > /dev/null 2>&1', "progress 1-25", "line astparam save;",
-            "line e e_reboot &", "rebooted"]
+from conftest import HEADERS, NAMED_N, U300, form, post, start_unit, success, told
 
 
 def document(unit):
@@ -63,7 +59,7 @@ def test_ASignalDuringALineDoesNotEndTheConfiguration(u300, number, held):
         output.seek(0)
         assert output.read() == HEADERS + success(u300)
     u300.wait_for("rebooted")
-    assert told(u300) == COMPLETE
+    assert told(u300) == NAMED_N
 
 
 @pytest.mark.parametrize("number", [signal.SIGTERM, signal.SIGHUP])
@@ -90,7 +86,7 @@ def test_SignalsDuringAPauseNeitherShortenNorLengthenIt(number):
         assert unit.exit_status(ended) == 0
         output.seek(0)
         assert output.read() == HEADERS + success(unit)
-        assert told(unit) == COMPLETE
+        assert told(unit) == NAMED_N
 
 
 def test_ToolsDoNotInheritWhatKeepsTheGatewayRunning(u300):
@@ -112,7 +108,7 @@ def test_AReplyThatNobodyReadsDoesNotEndTheConfiguration(u300):
         os.close(read_end)
     u300.exit_status(ended)
     u300.wait_for("rebooted")
-    assert told(u300) == COMPLETE
+    assert told(u300) == NAMED_N
 
 
 def test_TwoRequestsAtATimeAreBothAnswered(u300):
@@ -128,11 +124,3 @@ def test_TwoRequestsAtATimeAreBothAnswered(u300):
         u300.write("/run/sim/hold", b"nothing")
     assert b"The uploaded file format is not JSON" in refused.body
     u300.wait_for("rebooted")
-
-
-def test_EveryExampleConfigurationIsApplied(any_unit):
-    with open(f"{REPOSITORY}/examples/unit-configuration.{any_unit.model}.json", "rb") as file:
-        reply = post(any_unit, file.read())
-    assert reply.body == success(any_unit)
-    any_unit.wait_for("rebooted")
-    assert told(any_unit)[-3:] == ["line astparam save;", "line e e_reboot &", "rebooted"]

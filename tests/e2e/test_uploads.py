@@ -10,12 +10,8 @@ import time
 
 import pytest
 
-from conftest import (MAC_READ, NOT_JSON, REPOSITORY, TOO_LARGE, U300, assert_refused, curl, failure, form,
-                      post, start_unit, success, told)
-
-RANGE = "Error, the parameter range is incorrect"
-ERROR_NODE = "Error, JSON data error node"
-INVALID_EDID = "Invalid EDID data, must be 256 bytes and contain only hex characters (0-9A-Fa-f)"
+from conftest import (ERROR_NODE, INVALID_EDID, MAC_READ, NOT_JSON, RANGE, REPOSITORY, TOO_LARGE, U300,
+                      assert_refused, curl, failure, form, post, start_unit, success, told)
 
 RS232 = "/user_data2/rs232_list.json"
 IR = "/user_data2/ir_list.json"

@@ -9,15 +9,12 @@ import time
 
 import pytest
 
-from conftest import (HEADERS, MAC_READ, NOT_SUPPORTED, REPOSITORY, TOO_LARGE, TYPE_MODIFIED, U300, curl,
-                      failure, form, fresh_unit, leaving_client, post, post_body, reply_in, run_curl,
-                      simulated_unit, start_unit, success, told, wait_until)
+from conftest import (HEADERS, MAC_READ, NAMED_N, NOT_SUPPORTED, REPOSITORY, TOO_LARGE, TYPE_MODIFIED,
+                      U300, curl, failure, form, fresh_unit, leaving_client, post, post_body, reply_in,
+                      run_curl, simulated_unit, start_unit, success, told, wait_until)
 
 APACHES = ["apache", "apache-prefork"]
-COMPLETE = ["line astparam g ethaddr", "line cp /dev/shm/rwparam /dev/shm/rwparam_temp",
-            'line astparam s deviceName "n" > /dev/null 2>&1', "progress 1-25", "line astparam save;",
-            "line e e_reboot &", "rebooted"]
-BEGUN = COMPLETE[:3]
+BEGUN = NAMED_N[:3]
 
 # How curl ends when the server closes the connection without a byte.
 EMPTY_REPLY = 52
@@ -163,7 +160,7 @@ def test_AClientThatLeavesDoesNotEndTheConfiguration(unit):
         assert unit.gateway_pids() == pids and len(pids) == 1
         assert not unit.rebooted()
     unit.wait_for("rebooted")
-    assert told(unit) == COMPLETE
+    assert told(unit) == NAMED_N
 
 
 def test_AClientThatLeavesWhileItSendsLeavesTheUnitAsItWas(unit):
@@ -193,7 +190,7 @@ def test_LighttpdsLimitsDoNotCountForTheGateway():
         assert_received(unit, post(unit, document(unit)), success(unit))
         assert time.monotonic() - begun >= 3
         unit.wait_for("rebooted")
-        assert told(unit) == COMPLETE
+        assert told(unit) == NAMED_N
 
 
 # ---- apache ----
@@ -220,7 +217,7 @@ def test_UnderAnotherNameApacheHidesTheReplyOfAConfigurationThatIsApplied(runnin
     assert reply.headers.split(b"\r\n")[0] == b"HTTP/1.1 500 Internal Server Error"
     assert b"uploadConfFile" not in reply.body
     unit.wait_for("rebooted")
-    assert told(unit) == COMPLETE
+    assert told(unit) == NAMED_N
 
 
 # ---- the guide ----

@@ -10,10 +10,11 @@ import pytest
 
 REPOSITORY = pathlib.Path(__file__).resolve().parents[2]
 BUILDS = {
-    "amd64": pathlib.Path(os.environ.get("GATEWAY_BUILD_DIR", REPOSITORY / "build")),
-    "armhf": pathlib.Path(os.environ.get("GATEWAY_ARMHF_BUILD_DIR", REPOSITORY / "build-armhf")),
+    "amd64": REPOSITORY / os.environ.get("GATEWAY_BUILD_DIR", "build"),
+    "armhf": REPOSITORY / os.environ.get("GATEWAY_ARMHF_BUILD_DIR", "build-armhf"),
 }
 FLASH_BUDGET = 100 * 1024
+MODELS = ("ZAVO-ENC-U300-DA", "ZAVO-ENC-E100-DA", "ZAVO-DEC-D200-DA")
 
 
 def run(*command, **options):
@@ -43,9 +44,10 @@ def needed_libraries(program):
     return re.findall(r"\(NEEDED\).*\[(.*)\]", run("readelf", "-dW", program))
 
 
-def test_the_program_needs_libc_and_cjson_and_nothing_else(program):
-    libraries = {name for name in needed_libraries(program) if not name.startswith("ld-linux")}
-    assert libraries == {"libc.so.6", "libcjson.so.1"}
+def test_each_models_program_needs_libc_and_cjson_and_nothing_else(build):
+    for program in ("upload_gateway", *(f"models/{model}/upload_gateway" for model in MODELS)):
+        libraries = {name for name in needed_libraries(build / program) if not name.startswith("ld-linux")}
+        assert libraries == {"libc.so.6", "libcjson.so.1"}
 
 
 def test_the_program_is_hardened(program):
@@ -68,7 +70,7 @@ def test_the_program_is_stripped(program):
 
 
 def test_the_appliances_programs_fit_their_flash_budget():
-    for model in ("ZAVO-ENC-U300-DA", "ZAVO-ENC-E100-DA", "ZAVO-DEC-D200-DA"):
+    for model in MODELS:
         assert (BUILDS["armhf"] / "models" / model / "upload_gateway").stat().st_size <= FLASH_BUDGET
 
 

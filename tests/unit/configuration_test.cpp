@@ -5,6 +5,7 @@
 #include <string>
 
 #include "tests/support/applying.h"
+#include "tests/support/outcome.h"
 #include "tests/support/recorder.h"
 
 namespace {
@@ -39,17 +40,6 @@ std::string document_for(const std::string& model, const std::string& members) {
         document += "," + members;
     }
     return document + "}";
-}
-
-struct Outcome {
-    int result;
-    std::string trace;
-
-    bool operator==(const Outcome&) const = default;
-};
-
-void PrintTo(const Outcome& outcome, std::ostream* stream) {
-    *stream << outcome.result << " with\n" << outcome.trace;
 }
 
 Outcome applied(const char* model, const std::string& document) {
