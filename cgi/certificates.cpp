@@ -15,7 +15,7 @@ struct ExportedFile {
 };
 
 // In the order of the object. Several rows use the same working file, so each row removes it before
-// the next one runs.
+// the next one runs, and two exports do not run at a time.
 static constexpr ExportedFile exported_files[] = {
     {"/user_data2/LDAP_CAFile", "/var/tmp/encrypt_CAFile.txt", "ldap_ca_file"},
     {"/user_data2/LDAP_CERTFile", "/var/tmp/encrypt_CERTFile.txt", "ldap_cert_file"},
@@ -42,10 +42,13 @@ static char* encrypt_file(const ExportedFile& file) {
 }
 
 char* export_certificates() {
+    wait_for_turn();
     cJSON* object = cJSON_CreateObject();
     for (const ExportedFile& file : exported_files) {
         char* text = file_exists(file.stored) ? encrypt_file(file) : nullptr;
-        cJSON_AddStringToObject(object, file.key, text == nullptr ? "" : text);
+        if (text == nullptr || cJSON_AddStringToObject(object, file.key, text) == nullptr) {
+            cJSON_AddStringToObject(object, file.key, "");
+        }
         free(text);
     }
     char* printed = cJSON_PrintUnformatted(object);

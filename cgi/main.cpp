@@ -43,7 +43,7 @@ int main() {
     // what the unit's web interface has always been sent. Every run begins so, also one that has
     // nothing to say.
     puts("HTTP/1.1 200 OK\r");
-    printf("%s\n\n", "Content-Type: text/html");
+    puts("Content-Type: text/html\n");
     const char* method = getenv("REQUEST_METHOD");
     if (method == nullptr) {
         return 0;

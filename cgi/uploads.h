@@ -6,7 +6,8 @@
 // Makes the object with the unit's certificates and keys for LDAP, MQTT, HTTPS and 802.1X: thirteen
 // strings, each the file in the encrypted form that the unit's own tool gives it, or the empty text
 // where the unit has no such file or the tool makes nothing of it. The working files under /var/tmp
-// are removed again. Allocated, freed by the caller with cJSON_free; null when memory runs out.
+// are removed again. A second export at the same time waits for the first one's end. Allocated,
+// freed by the caller with cJSON_free; null when memory runs out.
 char* export_certificates();
 
 // Stores the RS-232 command codes, the uploaded text in its stored form (device/list_text.h, and

@@ -166,6 +166,12 @@ static char* target_of(const char* path) {
 
 static bool replace_here(const char* path, const char* bytes, size_t size) {
     char* target = target_of(path);
+    struct stat present;
+    if (target != nullptr && stat(target, &present) == 0 && !S_ISREG(present.st_mode)) {
+        const bool written = write_file(target, bytes, size);
+        free(target);
+        return written;
+    }
     char* temporary = target == nullptr ? nullptr : strdup(target);
     char* folder = target == nullptr ? nullptr : strdup(target);
     bool replaced = false;
@@ -203,4 +209,14 @@ bool replace_file(const char* path, const char* bytes, size_t size) {
         _exit(replaced ? 0 : 1);
     }
     return replaced;
+}
+
+// --- One run at a time ---------------------------------------------------------------------------
+
+// The program's own file is the lock: it is always there, and nothing is left over. Where it cannot
+// be locked, nobody is waited for.
+void wait_for_turn() {
+    const int program = open("/proc/self/exe", O_RDONLY | O_CLOEXEC);
+    while (program >= 0 && flock(program, LOCK_EX) != 0 && errno == EINTR) {
+    }
 }

@@ -45,9 +45,12 @@ bool write_file(const char* path, const char* bytes, size_t size);
 // its mode and its owner, but not its other names (hard links). No temporary file is left over,
 // also when this program is killed; after a power cut one may be (the same name with "~" for its
 // last character), which the next replacement removes; a path that itself ends in "~" is refused. A
-// link is followed, one that leads nowhere yet too. False when it is not known that the file has
-// the new content.
+// link is followed, one that leads nowhere yet too. A device or a pipe is written into. False when
+// it is not known that the file has the new content.
 bool replace_file(const char* path, const char* bytes, size_t size);
+
+// Waits until no other run of this program has the turn, and has it until this run ends.
+void wait_for_turn();
 
 // Sends one command to the front-panel microcontroller and waits until its answer is complete, at
 // most 10 seconds for each piece of it and 2 GiB in all. Of the command at most 1023 bytes are

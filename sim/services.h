@@ -26,8 +26,9 @@ int open_serial_line();
 
 // The unit's first process: puts the unit's folders and tools in place, starts the microcontroller,
 // the status service and the web server, and serves the launcher's requests on the socket whose
-// descriptor is given until the launcher closes it. argv: unit_init PARAMETERS CONTROL LISTENER,
-// the last two being descriptors. Returns the exit status.
+// descriptor is given until the launcher closes it; then ends all that runs. argv: unit_init
+// PARAMETERS CONTROL LISTENER PORT SERVER [ARGUMENT]...: the socket's descriptor, the web server's
+// listening one (-1: it opens its own), its port and its command. Returns the exit status.
 int run_unit_init(int argc, char** argv);
 
 }  // namespace sim

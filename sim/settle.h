@@ -12,6 +12,9 @@ namespace sim {
 // process that runs the lines.
 void wait_for_background_work(pid_t gateway);
 
+// The same for every gateway process that has run lines.
+void wait_for_all_background_work();
+
 // Takes the lock that this line's children inherit, at a descriptor that shells leave alone.
 void hold_settle_lock(pid_t gateway);
 
@@ -21,9 +24,6 @@ void drop_settle_lock();
 // True when this process was started by another line of the unit, so that waiting would be for
 // itself.
 bool inside_a_line();
-
-// The same for every gateway process that has run lines.
-void wait_for_all_background_work();
 
 // Sends one command to the microcontroller process (see services.h; "drain" makes it take all that
 // has been written to the serial line so far) and waits until it is done. False when it is not

@@ -161,6 +161,18 @@ TEST_P(ReplaceFile, ALinkIsFollowed) {
     EXPECT_EQ(names(), std::set<std::string>({"kept", "list.json"}));
 }
 
+TEST_P(ReplaceFile, APipeIsWrittenInto) {
+    ASSERT_EQ(mkfifo(list.c_str(), 0600), 0);
+    const int reader = open(list.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    EXPECT_EQ(replaced("new"), 0);
+    char text[8] = {};
+    EXPECT_EQ(read(reader, text, sizeof text), 3);
+    EXPECT_STREQ(text, "new");
+    close(reader);
+    EXPECT_TRUE(std::filesystem::is_fifo(list));
+    EXPECT_EQ(names(), only_the_list);
+}
+
 TEST_P(ReplaceFile, ALinkThatCannotLeadAnywhereIsAFailure) {
     std::filesystem::create_symlink("none/the_list", list);
     EXPECT_EQ(replaced("new"), 1);

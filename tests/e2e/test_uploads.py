@@ -2,6 +2,7 @@
 bytes that it keeps."""
 
 import base64
+import concurrent.futures
 import json
 import os
 import re
@@ -10,8 +11,8 @@ import time
 
 import pytest
 
-from conftest import (ERROR_NODE, INVALID_EDID, MAC_READ, NOT_JSON, RANGE, REPOSITORY, TOO_LARGE, U300,
-                      assert_refused, curl, failure, form, post, start_unit, success, told)
+from conftest import (ERROR_NODE, HEADERS, INVALID_EDID, MAC_READ, NOT_JSON, RANGE, REPOSITORY, TOO_LARGE,
+                      U300, assert_refused, curl, failure, form, post, start_unit, success, told, wait_until)
 
 RS232 = "/user_data2/rs232_list.json"
 IR = "/user_data2/ir_list.json"
@@ -512,6 +513,52 @@ def test_TheLastCertificateAloneIsTheLastMember(u300):
     reply = curl(u300, u300.url + "?name=getCaEncryptData")
     assert_exported(u300, reply, {"lan2_ca_8021x": b"secret"})
     assert reply.body.endswith(b',"lan2_ca_8021x":"c2VjcmV0\\n"}')
+
+
+def test_TwoExportsAtATimeAreBothWhole(u300):
+    secrets = {key: f"secret of {file}\n".encode() for key, file in FILES.items()}
+    for key, file in FILES.items():
+        u300.write(f"/user_data2/{file}", secrets[key])
+    with concurrent.futures.ThreadPoolExecutor() as callers:
+        with u300.held("crypto_program -e /user_data2/LDAP_CAFile"):
+            replies = [callers.submit(curl, u300, u300.url + "?name=getCaEncryptData") for _ in range(2)]
+            wait_until(lambda: u300.peek().count("line astparam g ethaddr") == 2)
+            u300.wait_for("tool crypto_program -e /user_data2/LDAP_CAFile")
+            # Time for the second one to go as far as it can.
+            time.sleep(0.2)
+            assert len([entry for entry in u300.peek("line") if "crypto_program" in entry]) == 1
+        for reply in replies:
+            assert_exported(u300, reply.result(), secrets)
+
+
+def test_ACallerWhoReadsSlowlyGetsTheWholeExport(u300):
+    for file in FILES.values():
+        u300.write(f"/user_data2/{file}", b"secret" * 5000)
+    read_end, write_end = os.pipe2(os.O_NONBLOCK)
+    ended = u300.spawn(["/www/cgi-bin/upload_gateway"], stdout=write_end,
+                       environment={**u300.cgi_environment, "REQUEST_METHOD": "GET",
+                                    "QUERY_STRING": "name=getCaEncryptData"})
+    os.close(write_end)
+    os.set_blocking(read_end, True)
+    # The pipe is full before anybody reads.
+    wait_until(lambda: u300.peek().count("line rm -rf /var/tmp/ca_2.pem.txt") == 1)
+    time.sleep(0.2)
+    with open(read_end, "rb") as pipe:
+        printed = pipe.read()
+    assert u300.exit_status(ended) == 0
+    assert printed.startswith(HEADERS)
+    found = json.loads(printed[len(HEADERS):])
+    assert [len(base64.b64decode(found[key])) for key in FILES] == [30000] * len(FILES)
+
+
+def test_WithoutANullDeviceNoToolPrintsIntoTheReply(u300):
+    body = form(example("video-wall.json"), field="VideoWallUpload")
+    environment = {**u300.cgi_environment, "REQUEST_METHOD": "POST", "CONTENT_LENGTH": str(len(body))}
+    printed = u300.run(["/usr/bin/strace", "-qq", "-o", "/tmp/calls", "-P", "/dev/null",
+                        "-e", "inject=openat:error=ENOENT", "/www/cgi-bin/upload_gateway"],
+                       stdin=body, environment=environment)
+    assert printed == (0, HEADERS + success(u300))
+    assert b"INJECTED" in u300.read("/tmp/calls")
 
 
 def test_WhatTheToolPrintsBesideItsOutputStaysOutOfTheReply(u300):

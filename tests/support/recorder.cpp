@@ -94,6 +94,8 @@ bool read_file(const char* path, FileBytes* file) {
     return true;
 }
 
+void wait_for_turn() {}
+
 bool file_exists(const char* path) {
     return files.contains(path);
 }
