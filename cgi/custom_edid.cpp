@@ -78,7 +78,7 @@ static int load_document(const cJSON* document) {
     if (edid != nullptr) {
         char digits[edid_digits];
         if (!read_edid(edid, digits)) {
-            return 5;
+            return upload_no_edid;
         }
         send_edid(digits);
         choose_edid_again();
@@ -89,10 +89,10 @@ static int load_document(const cJSON* document) {
                          name);
         run_shell_line("astparam save > /dev/null 2>&1");
     }
-    return 1;
+    return upload_done;
 }
 
 int load_custom_edid(const char* content) {
     const cJSON* document = parse_document(content);
-    return document == nullptr ? 2 : load_document(document);
+    return document == nullptr ? upload_not_json : load_document(document);
 }

@@ -67,10 +67,10 @@ static void store_printed(const cJSON* item, const StoredList& list) {
 int store_rs232_list(const char* content) {
     const cJSON* data = find_member(parse_document(content), "data");
     if (find_member(data, "setting") == nullptr) {
-        return 0;
+        return upload_refused;
     }
     write_list(content, rs232_list);
-    return 1;
+    return upload_done;
 }
 
 // --- IR ------------------------------------------------------------------------------------------
@@ -82,14 +82,14 @@ int store_ir_list(const char* content) {
     const cJSON* repeat_delay = find_member(document, "rptdelay");
     if (!cJSON_IsArray(find_member(document, "data")) || !cJSON_IsString(delay) ||
         !cJSON_IsString(repeats) || !cJSON_IsString(repeat_delay)) {
-        return 0;
+        return upload_refused;
     }
     write_list(content, ir_list);
     run_shell_format(
         "astparam s ir_setting_delay %s;astparam s ir_setting_rpt %s;"
         "astparam s ir_setting_rpt_delay %s;astparam save;",
         delay->valuestring, repeats->valuestring, repeat_delay->valuestring);
-    return 1;
+    return upload_done;
 }
 
 // --- Triggers ------------------------------------------------------------------------------------
@@ -110,24 +110,24 @@ static void store_custom_list(const cJSON* event) {
 
 static int store_custom_lists(const cJSON* events) {
     if (!cJSON_IsArray(events)) {
-        return 0;
+        return upload_refused;
     }
     const cJSON* event = nullptr;
     cJSON_ArrayForEach(event, events) {
         if (event_name(event) == nullptr) {
-            return 0;
+            return upload_refused;
         }
     }
     cJSON_ArrayForEach(event, events) {
         store_custom_list(event);
     }
-    return 1;
+    return upload_done;
 }
 
 int store_trigger_lists(const char* content) {
     const cJSON* data = find_member(parse_document(content), "data");
     if (!cJSON_IsArray(data) || cJSON_GetArraySize(data) != built_in_triggers + 1) {
-        return 0;
+        return upload_refused;
     }
     const cJSON* element = data->child;
     for (const StoredList& list : built_in_trigger_lists) {

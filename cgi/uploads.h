@@ -3,6 +3,16 @@
 // turns into the reply.
 #pragma once
 
+// What a handler answers: the field's own numbers. Each kind has a reply for some of them.
+enum UploadResult : int {
+    upload_refused = 0,  // a list that is not JSON or of another shape
+    upload_done = 1,
+    upload_not_json = 2,
+    upload_out_of_range = 3,
+    upload_member_missing = 4,
+    upload_no_edid = 5,
+};
+
 // Makes the object with the unit's certificates and keys for LDAP, MQTT, HTTPS and 802.1X: thirteen
 // strings, each the file in the encrypted form that the unit's own tool gives it, or the empty text
 // where the unit has no such file or the tool makes nothing of it. The working files under /var/tmp

@@ -15,13 +15,6 @@
 #include "unitconf/members.h"
 #include "unitconf/numbers.h"
 
-enum WallResult : int {
-    wall_applied = 1,
-    wall_not_json = 2,
-    wall_out_of_range = 3,
-    wall_member_missing = 4,
-};
-
 // --- The members ---------------------------------------------------------------------------------
 
 // What every document holds.
@@ -168,11 +161,11 @@ static bool may_reconnect(const char* audio_addon, const char* dante_mode) {
            (strcmp(audio_addon, "dante") == 0 && strcmp(dante_mode, "audio-only") == 0);
 }
 
-static WallResult apply_document(const cJSON* document) {
+static UploadResult apply_document(const cJSON* document) {
     const Screen screen = read_screen(document);
     Place place;
     if (!is_complete(screen) || !read_place(document, &place)) {
-        return wall_member_missing;
+        return upload_member_missing;
     }
     char variant[output_text_size] = {};
     char audio_addon[output_text_size] = {};
@@ -186,16 +179,16 @@ static WallResult apply_document(const cJSON* document) {
     const bool limited = place.in_grid && variant[0] == '1';
     if (rotation == nullptr || stretch == nullptr ||
         (limited && !(is_wall_size(place.field[0]) && is_wall_size(place.field[1])))) {
-        return wall_out_of_range;
+        return upload_out_of_range;
     }
     raise_events(screen, place, variant[0], rotation, stretch);
     if (may_reconnect(audio_addon, dante_mode)) {
         send_filled_line(Channel::shell, "e e_reconnect::%s::v", screen.source);
     }
-    return wall_applied;
+    return upload_done;
 }
 
 int apply_video_wall_upload(const char* content) {
     const cJSON* document = parse_document(content);
-    return document == nullptr ? wall_not_json : apply_document(document);
+    return document == nullptr ? upload_not_json : apply_document(document);
 }
