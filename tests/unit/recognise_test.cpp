@@ -33,8 +33,7 @@ const std::vector<std::string> headers = {
 
 constexpr size_t nowhere = std::string::npos;
 
-// --- The rules, plainly
-// ---------------------------------------------------------------------------
+// --- The rules, plainly --------------------------------------------------------------------------
 
 std::string text_of(const std::string& request) {
     return request.substr(0, request.find('\0'));
@@ -91,8 +90,7 @@ std::string plain_content(const std::string& request, size_t most) {
     return described(text.data() + start, end - start, most);
 }
 
-// --- What the gateway does
-// ------------------------------------------------------------------------
+// --- What the gateway does -----------------------------------------------------------------------
 
 // The request stands in memory of exactly its size, so that a step too far is seen by the
 // sanitizers.
@@ -117,8 +115,7 @@ std::string found_content(const std::string& request, size_t most) {
     return described(content.begin, content.length, most);
 }
 
-// --- Random texts
-// ---------------------------------------------------------------------------------
+// --- Random texts --------------------------------------------------------------------------------
 
 using Random = std::mt19937;
 
@@ -195,8 +192,7 @@ TEST(Recognising, RandomTextsHaveTheContentThatThePlainRulesCut) {
     EXPECT_LT(none + too_long, rounds - 10000);
 }
 
-// --- Single rules
-// ---------------------------------------------------------------------------------
+// --- Single rules --------------------------------------------------------------------------------
 
 TEST(Recognising, TheOrderOfTheTableDecidesWhateverTheOrderInTheText) {
     for (size_t first = 0; first < fields.size(); first++) {

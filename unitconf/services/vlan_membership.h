@@ -34,8 +34,8 @@ char* merged_member_list(const ServiceVlan (&services)[service_networks], size_t
 
 // Brings the tagged and untagged VLAN lists of both ports in line with the service networks, from
 // what the store holds once those are set; of a list beyond 1023 bytes only the end is read, as of
-// any value. A port without an untagged VLAN gets VLAN 1, and the
-// port VLAN IDs follow the services of the document that are enabled and untagged on the port, the
-// last one winning. `services_settings` is the document's object of that name. False, with nothing
-// read, when it is anything else, and false, with nothing written, when memory runs out.
+// any value. A port without an untagged VLAN gets VLAN 1, and the port VLAN IDs follow the services
+// of the document that are enabled and untagged on the port, the last one winning.
+// `services_settings` is the document's object of that name. False, with nothing read, when it is
+// anything else, and false, with nothing written, when memory runs out.
 bool merge_vlan_memberships(const cJSON* services_settings);
