@@ -8,25 +8,11 @@
 #include "cgi/body.h"
 #include "cgi/pattern.h"
 #include "cgi/streams.h"
-#include "cgi/uploads.h"
+#include "cgi/upload_kinds.h"
 #include "device/signals.h"
 #include "device/unit.h"
-#include "unitconf/configuration.h"
 
 // --- The replies ---------------------------------------------------------------------------------
-
-enum class Reply : unsigned char {
-    none,
-    success,
-    not_supported,
-    too_large,
-    not_json,
-    type_deleted,
-    type_modified,
-    out_of_range,
-    error_node,
-    invalid_edid,
-};
 
 // What a reply tells about a failure.
 static const char* feedback_of(Reply reply) {
@@ -66,61 +52,6 @@ static void print_reply(Reply reply, const char* mac) {
     }
 }
 
-// --- The kinds of uploads ------------------------------------------------------------------------
-
-static constexpr int handler_results = 6;
-
-struct UploadKind {
-    Pattern pattern;  // the form field as a browser writes it
-    bool size_limited = false;
-    int (*handle)(const char* content) = nullptr;  // applies the content
-    Reply replies[handler_results] = {};  // by the handler's result; any other has no reply
-    char* (*export_object)() = nullptr;   // instead of all that: the reply, without any content
-};
-
-// In the order in which they are looked for: the first pattern that stands anywhere in the request
-// decides.
-static constexpr UploadKind upload_kinds[] = {
-    {.pattern = " name=\"Rs232CodeUpload\"",
-     .size_limited = true,
-     .handle = store_rs232_list,
-     .replies = {Reply::not_json, Reply::success}},
-    {.pattern = " name=\"IRCodeUpload\"",
-     .size_limited = true,
-     .handle = store_ir_list,
-     .replies = {Reply::not_json, Reply::success}},
-    {.pattern = " name=\"UnitConfUpload\"",
-     .handle = apply_unit_configuration,
-     .replies = {Reply::not_json, Reply::success, Reply::not_json, Reply::type_deleted,
-                 Reply::type_modified}},
-    {.pattern = " name=\"TriggerCommandsUpload\"",
-     .handle = store_trigger_lists,
-     .replies = {Reply::not_json, Reply::success}},
-    // Neither blank nor quotes: it is also the query of a GET.
-    {.pattern = "name=getCaEncryptData", .export_object = export_certificates},
-    {.pattern = " name=\"VideoWallUpload\"",
-     .size_limited = true,
-     .handle = apply_video_wall_upload,
-     .replies = {Reply::not_json, Reply::success, Reply::not_json, Reply::out_of_range,
-                 Reply::error_node}},
-    {.pattern = " name=\"CustomEdidFile\"",
-     .size_limited = true,
-     .handle = load_custom_edid,
-     .replies = {Reply::not_json, Reply::success, Reply::not_json, Reply::out_of_range,
-                 Reply::error_node, Reply::invalid_edid}},
-};
-
-static_assert(same_anchor(upload_kinds));
-
-static const UploadKind* recognise_upload(const char* request, size_t length) {
-    return find_first_row(request, request + length, upload_kinds).row;
-}
-
-const char* recognised_field(const char* request, size_t length) {
-    const UploadKind* kind = recognise_upload(request, length);
-    return kind == nullptr ? nullptr : kind->pattern.text;
-}
-
 // --- The dispatch --------------------------------------------------------------------------------
 
 static constexpr size_t content_buffer_size = 0x100000;
@@ -150,7 +81,7 @@ void dispatch_upload(const char* request, size_t size) {
     read_command_output("astparam g ethaddr", mac);
 
     const size_t length = strnlen(request, size);  // nothing behind a NUL is seen
-    const UploadKind* kind = recognise_upload(request, length);
+    const UploadKind* kind = find_first_row(request, request + length, upload_kinds).row;
     Reply reply = Reply::not_supported;
     char* exported = nullptr;
     if (kind != nullptr && kind->export_object != nullptr) {

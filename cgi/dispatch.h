@@ -10,7 +10,3 @@
 // object without a line feed on standard output. Nothing is printed for a body whose content has
 // no start (see find_content) and for a result that the kind has no reply for.
 void dispatch_upload(const char* request, size_t size);
-
-// The form field that decides what a request uploads: of all known fields that stand anywhere in
-// it, the first in the gateway's order, which this shows by itself. Null when there is none.
-const char* recognised_field(const char* request, size_t length);

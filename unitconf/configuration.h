@@ -19,10 +19,6 @@ extern const char unit_model[];
 // ConfigurationResult.
 int apply_unit_configuration(const char* text);
 
-// The same for a unit of the given model: only the first 16 characters of model names count. A
-// model that is none of the family has only the sections that all models share.
-int apply_configuration_to_model(const char* model, const char* text);
-
 // Sends one progress message, "upgradeUnitSetting:<step>,<total>", to the local status service at
 // TCP 127.0.0.1:4445. Nothing is read back.
 void report_progress(int step, int total);

@@ -81,7 +81,3 @@ const ModelSections decoder_sections = {
     {decoder_rows, time_and_dante_rows, decoder_routing_rows, control_and_service_rows}};
 
 const ModelSections unknown_model_sections = {{time_and_dante_rows, control_and_service_rows}};
-
-int apply_configuration_to_model(const char* model, const char* text) {
-    return apply_configuration(model, sections_of_model(model), text);
-}

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <string>
 
+#include "tests/support/any_model.h"
 #include "tests/support/recorder.h"
 #include "unitconf/configuration.h"
 

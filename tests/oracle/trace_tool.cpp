@@ -14,6 +14,7 @@
 #include <string>
 
 #include "cgi/uploads.h"
+#include "tests/support/any_model.h"
 #include "tests/support/recorder.h"
 #include "unitconf/configuration.h"
 

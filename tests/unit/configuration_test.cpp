@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "tests/support/any_model.h"
 #include "tests/support/applying.h"
 #include "tests/support/outcome.h"
 #include "tests/support/recorder.h"

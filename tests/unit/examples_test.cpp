@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "docs/reference/notes.h"
+#include "tests/support/any_model.h"
 #include "tests/support/recorder.h"
 #include "unitconf/configuration.h"
 #include "unitconf/models.h"

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "cgi/body.h"
-#include "cgi/dispatch.h"
+#include "cgi/upload_kinds.h"
 
 namespace {
 
@@ -104,8 +104,9 @@ std::unique_ptr<char[]> bytes_of(const std::string& request) {
 std::string found_field(const std::string& request) {
     const std::string text = text_of(request);
     const std::unique_ptr<char[]> bytes = bytes_of(text);
-    const char* field = recognised_field(bytes.get(), text.size());
-    return field == nullptr ? "" : field;
+    const UploadKind* kind =
+        find_first_row(bytes.get(), bytes.get() + text.size(), upload_kinds).row;
+    return kind == nullptr ? "" : kind->pattern.text;
 }
 
 std::string found_content(const std::string& request, size_t most) {
