@@ -1,6 +1,5 @@
 #include "unitconf/models.h"
 
-#include "unitconf/configuration.h"
 #include "unitconf/sections.h"
 
 // Behind the stream's own message, and sent also without a stream.
