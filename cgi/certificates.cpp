@@ -42,7 +42,7 @@ static char* encrypt_file(const ExportedFile& file) {
 }
 
 char* export_certificates() {
-    wait_for_turn();
+    const int turn = take_turn();
     cJSON* object = cJSON_CreateObject();
     for (const ExportedFile& file : exported_files) {
         char* text = file_exists(file.stored) ? encrypt_file(file) : nullptr;
@@ -51,6 +51,7 @@ char* export_certificates() {
         }
         free(text);
     }
+    end_turn(turn);
     char* printed = cJSON_PrintUnformatted(object);
     cJSON_Delete(object);
     return printed;

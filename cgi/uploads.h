@@ -3,7 +3,8 @@
 // turns into the reply.
 #pragma once
 
-// What a handler answers: the field's own numbers. Each kind has a reply for some of them.
+// What the handlers below answer; each kind has a reply for some of it. A unit configuration has
+// its own answers (unitconf/configuration.h).
 enum UploadResult : int {
     upload_refused = 0,  // a list that is not JSON or of another shape
     upload_done = 1,

@@ -85,8 +85,10 @@ struct Replacement {
 static bool write_content(int descriptor, const char* path, const char* bytes, size_t size) {
     struct stat present;
     if (stat(path, &present) == 0) {
-        // Who may not give a file away keeps it.
-        [[maybe_unused]] const int given = fchown(descriptor, present.st_uid, present.st_gid);
+        // Who may not give the file to its owner may still give it to the group.
+        [[maybe_unused]] const bool given =
+            fchown(descriptor, present.st_uid, present.st_gid) == 0 ||
+            fchown(descriptor, static_cast<uid_t>(-1), present.st_gid) == 0;
         if (fchmod(descriptor, present.st_mode & 07777) != 0) {
             return false;
         }
@@ -147,9 +149,10 @@ static bool replace_in_folder(const Replacement& names, const char* bytes, size_
     return replaced;
 }
 
-// The file that a path leads to, links followed as the shell would: a link that leads nowhere yet
-// makes its file first, empty. Allocated; null when that cannot be done or memory runs out.
-static char* target_of(const char* path) {
+// The file that a path leads to, links followed as the shell would: for a link that leads nowhere
+// yet the file is made first, empty, and `made` says so. Allocated; null when that cannot be done
+// or memory runs out.
+static char* target_of(const char* path, bool* made) {
     struct stat present;
     if (lstat(path, &present) != 0) {
         return errno == ENOENT ? strdup(path) : nullptr;
@@ -160,20 +163,18 @@ static char* target_of(const char* path) {
             return nullptr;
         }
         close(descriptor);
+        *made = true;
     }
     return realpath(path, nullptr);
 }
 
-static bool replace_here(const char* path, const char* bytes, size_t size) {
-    char* target = target_of(path);
+static bool replace_target(const char* target, const char* bytes, size_t size) {
     struct stat present;
-    if (target != nullptr && stat(target, &present) == 0 && !S_ISREG(present.st_mode)) {
-        const bool written = write_file(target, bytes, size);
-        free(target);
-        return written;
+    if (stat(target, &present) == 0 && !S_ISREG(present.st_mode)) {
+        return write_file(target, bytes, size);
     }
-    char* temporary = target == nullptr ? nullptr : strdup(target);
-    char* folder = target == nullptr ? nullptr : strdup(target);
+    char* temporary = strdup(target);
+    char* folder = strdup(target);
     bool replaced = false;
     if (temporary != nullptr && folder != nullptr) {
         const size_t length = strlen(temporary);
@@ -182,9 +183,22 @@ static bool replace_here(const char* path, const char* bytes, size_t size) {
             replaced = replace_in_folder({target, temporary, dirname(folder)}, bytes, size);
         }
     }
-    free(target);
     free(temporary);
     free(folder);
+    return replaced;
+}
+
+static bool replace_here(const char* path, const char* bytes, size_t size) {
+    bool made = false;
+    char* target = target_of(path, &made);
+    if (target == nullptr) {
+        return false;
+    }
+    const bool replaced = replace_target(target, bytes, size);
+    if (made && !replaced) {
+        unlink(target);
+    }
+    free(target);
     return replaced;
 }
 
@@ -213,10 +227,15 @@ bool replace_file(const char* path, const char* bytes, size_t size) {
 
 // --- One run at a time ---------------------------------------------------------------------------
 
-// The program's own file is the lock: it is always there, and nothing is left over. Where it cannot
-// be locked, nobody is waited for.
-void wait_for_turn() {
-    const int program = open("/proc/self/exe", O_RDONLY | O_CLOEXEC);
-    while (program >= 0 && flock(program, LOCK_EX) != 0 && errno == EINTR) {
+int take_turn() {
+    const int turn = open("/var/tmp", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    while (turn >= 0 && flock(turn, LOCK_EX) != 0 && errno == EINTR) {
+    }
+    return turn;
+}
+
+void end_turn(int turn) {
+    if (turn >= 0) {
+        close(turn);
     }
 }

@@ -28,10 +28,9 @@ bool only_the_shell_knows(const char* text);
 // A third octal digit that would lead beyond 255 is no part of the number: \400 is a blank and "0".
 // "\x" without a digit, a backslash before any other byte and one at the end stay as they are.
 //
-// So four backslashes always arrive as one; before a byte that begins an escape of neither, one is
-// enough.
-// `text` must not look like an option of echo ("-n", "-e", "-E" and their combinations), which no
-// JSON text does.
+// So four backslashes always arrive as one. One alone before a byte with which neither the shell's
+// nor echo's escapes begin stays as it is. `text` must not look like an option of echo ("-n", "-e",
+// "-E" and their combinations), which no JSON text does.
 size_t interpret_echoed(char* text);
 
 // Writes into the file what the unit's shell line

@@ -36,21 +36,25 @@ bool read_file(const char* path, FileBytes* file);
 bool file_exists(const char* path);
 
 // Empties or creates the file and writes the bytes into it. False, with nothing changed, when it
-// cannot be opened for writing; false, with the file removed, when the disk did not take all of the
-// bytes, so that nobody reads half of it.
+// cannot be opened for writing; false, with the file (or the link that led to it) removed, when the
+// disk did not take all of the bytes, so that nobody reads half of it.
 bool write_file(const char* path, const char* bytes, size_t size);
 
 // Replaces the file as a whole: after a full disk, a power cut or the death of this program it
 // holds either all of `bytes` or what it held before, flushed to the disk. An existing file keeps
-// its mode and its owner, but not its other names (hard links). No temporary file is left over,
+// its mode, its other names (hard links) it does not, and its owner and group as far as this user
+// may give files away. No temporary file is left over,
 // also when this program is killed; after a power cut one may be (the same name with "~" for its
 // last character), which the next replacement removes; a path that itself ends in "~" is refused. A
 // link is followed, one that leads nowhere yet too. A device or a pipe is written into. False when
 // it is not known that the file has the new content.
 bool replace_file(const char* path, const char* bytes, size_t size);
 
-// Waits until no other run of this program has the turn, and has it until this run ends.
-void wait_for_turn();
+// Waits until no other run of this program is at the working files that runs share under /var/tmp,
+// and keeps the others waiting until end_turn, which is handed what this returns. Where the folder
+// cannot be locked, nobody is waited for.
+int take_turn();
+void end_turn(int turn);
 
 // Sends one command to the front-panel microcontroller and waits until its answer is complete, at
 // most 10 seconds for each piece of it and 2 GiB in all. Of the command at most 1023 bytes are

@@ -121,8 +121,8 @@ ensure_armhf() {
 }
 
 # preset_build PRESET FOLDER TARGET...: configures and builds the targets, or everything without any;
-# shows what was printed only when it fails. A folder that was configured by hand is configured anew
-# where it must be.
+# shows what was printed only when it fails. A folder that was configured by hand, with another
+# generator, is configured anew, and what was set there is forgotten.
 preset_build() {
     local preset=$1 folder=$2 log status=0
     shift 2

@@ -161,6 +161,20 @@ TEST_P(ReplaceFile, ALinkIsFollowed) {
     EXPECT_EQ(names(), std::set<std::string>({"kept", "list.json"}));
 }
 
+TEST_P(ReplaceFile, AFullDiskLeavesALinkThatLedNowhereAsItWas) {
+    std::filesystem::create_symlink("the_list", list);
+    EXPECT_EQ(in_child([&] {
+                  const rlimit limit = {1000, 1000};
+                  signal(SIGXFSZ, SIG_IGN);
+                  setrlimit(RLIMIT_FSIZE, &limit);
+                  const std::string text(1001, 'n');
+                  return replace_file(list.c_str(), text.data(), text.size());
+              }),
+              1);
+    EXPECT_TRUE(std::filesystem::is_symlink(list));
+    EXPECT_EQ(names(), only_the_list);
+}
+
 TEST_P(ReplaceFile, APipeIsWrittenInto) {
     ASSERT_EQ(mkfifo(list.c_str(), 0600), 0);
     const int reader = open(list.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);

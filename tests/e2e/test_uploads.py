@@ -527,11 +527,11 @@ def test_TwoExportsAtATimeAreBothWhole(u300):
             # Time for the second one to go as far as it can.
             time.sleep(0.2)
             assert len([entry for entry in u300.peek("line") if "crypto_program" in entry]) == 1
-        for reply in replies:
-            assert_exported(u300, reply.result(), secrets)
+        for reply in [reply.result() for reply in replies]:
+            assert_exported(u300, reply, secrets)
 
 
-def test_ACallerWhoReadsSlowlyGetsTheWholeExport(u300):
+def test_ACallerWhoReadsSlowlyGetsTheWholeExportAndKeepsNobodyWaiting(u300):
     for file in FILES.values():
         u300.write(f"/user_data2/{file}", b"secret" * 5000)
     read_end, write_end = os.pipe2(os.O_NONBLOCK)
@@ -543,6 +543,8 @@ def test_ACallerWhoReadsSlowlyGetsTheWholeExport(u300):
     # The pipe is full before anybody reads.
     wait_until(lambda: u300.peek().count("line rm -rf /var/tmp/ca_2.pem.txt") == 1)
     time.sleep(0.2)
+    found = json.loads(curl(u300, u300.url + "?name=getCaEncryptData").body)
+    assert [len(base64.b64decode(found[key])) for key in FILES] == [30000] * len(FILES)
     with open(read_end, "rb") as pipe:
         printed = pipe.read()
     assert u300.exit_status(ended) == 0

@@ -94,7 +94,11 @@ bool read_file(const char* path, FileBytes* file) {
     return true;
 }
 
-void wait_for_turn() {}
+int take_turn() {
+    return 0;
+}
+
+void end_turn(int /*turn*/) {}
 
 bool file_exists(const char* path) {
     return files.contains(path);

@@ -60,10 +60,10 @@ static void take_number_or_text(char (&out)[size], const cJSON* item) {
     }
 }
 
-// Takes the line that the port has now, "115200-8n1", apart; a text without baud rate or frame
-// gives the usual ones, and a short frame empty values. Empty fields are passed over, so "-8n1" is
-// a baud rate. The text is taken apart in place. It is what the snapshot holds, the front panel
-// lock that shares the slot where the live store has no dump.
+// Takes the line that the port has now, "115200-8n1", apart, in place; a text without baud rate or
+// frame gives the usual ones, and a short frame empty values. Empty fields are passed over, so
+// "-8n1" is a baud rate. While the live store has no dump, the snapshot's slot holds the front
+// panel's lock, which shares it, and that is taken for the line.
 static void take_present_line(PortSettings* port, char* line) {
     char* rest = nullptr;
     const char* baud = strtok_r(line, "-", &rest);
