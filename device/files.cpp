@@ -130,14 +130,21 @@ static bool make_temporary(const Replacement& names, const char* bytes, size_t s
     return make_nameless_temporary(names, bytes, size) || make_named_temporary(names, bytes, size);
 }
 
+// Opens a folder and waits until nobody else has it; closing the descriptor lets the next one in.
+// -1 when it cannot be opened. Where it cannot be locked, nobody is waited for.
+static int open_alone(const char* path) {
+    const int folder = open(path, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    while (folder >= 0 && flock(folder, LOCK_EX) != 0 && errno == EINTR) {
+    }
+    return folder;
+}
+
 // One replacement in a folder at a time, so that two uploads of the same list do not get hold of
 // each other's temporary file.
 static bool replace_in_folder(const Replacement& names, const char* bytes, size_t size) {
-    const int folder = open(names.folder, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    const int folder = open_alone(names.folder);
     if (folder < 0) {
         return false;
-    }
-    while (flock(folder, LOCK_EX) != 0 && errno == EINTR) {
     }
     const bool replaced =
         make_temporary(names, bytes, size) && rename(names.temporary, names.path) == 0;
@@ -228,10 +235,7 @@ bool replace_file(const char* path, const char* bytes, size_t size) {
 // --- One run at a time ---------------------------------------------------------------------------
 
 int take_turn() {
-    const int turn = open("/var/tmp", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    while (turn >= 0 && flock(turn, LOCK_EX) != 0 && errno == EINTR) {
-    }
-    return turn;
+    return open_alone("/var/tmp");
 }
 
 void end_turn(int turn) {

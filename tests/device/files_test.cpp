@@ -1,12 +1,10 @@
 // Files read and written on the host.
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <set>
@@ -85,9 +83,7 @@ TEST_F(Files, AFileThatTheDiskHasNoRoomForIsRemoved) {
     provide("a", "old");
     const pid_t child = fork();
     if (child == 0) {
-        const rlimit limit = {1000, 1000};
-        signal(SIGXFSZ, SIG_IGN);
-        setrlimit(RLIMIT_FSIZE, &limit);
+        leave_room_for(1000);
         const std::string text(1001, 'n');
         _exit(write_file(path("a").c_str(), text.data(), text.size()) ? 1 : 0);
     }

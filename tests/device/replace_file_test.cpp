@@ -5,7 +5,6 @@
 #include <linux/seccomp.h>
 #include <sys/prctl.h>
 #include <sys/ptrace.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
@@ -70,6 +69,14 @@ class ReplaceFile : public FolderTest, public testing::WithParamInterface<Way> {
 
     int replaced(const std::string& content) const {
         return in_child([&] { return replace_file(list.c_str(), content.data(), content.size()); });
+    }
+
+    int replaced_on_a_full_disk() const {
+        return in_child([&] {
+            leave_room_for(1000);
+            const std::string text(1001, 'n');
+            return replace_file(list.c_str(), text.data(), text.size());
+        });
     }
 
     unsigned mode() const {
@@ -138,14 +145,7 @@ TEST_P(ReplaceFile, AnExistingFileKeepsItsOwner) {
 
 TEST_P(ReplaceFile, AFullDiskLeavesTheOldFileAndNothingElse) {
     put("old");
-    EXPECT_EQ(in_child([&] {
-                  const rlimit limit = {1000, 1000};
-                  signal(SIGXFSZ, SIG_IGN);
-                  setrlimit(RLIMIT_FSIZE, &limit);
-                  const std::string text(1001, 'n');
-                  return replace_file(list.c_str(), text.data(), text.size());
-              }),
-              1);
+    EXPECT_EQ(replaced_on_a_full_disk(), 1);
     EXPECT_EQ(content("list.json"), "old");
     EXPECT_EQ(names(), only_the_list);
 }
@@ -163,14 +163,7 @@ TEST_P(ReplaceFile, ALinkIsFollowed) {
 
 TEST_P(ReplaceFile, AFullDiskLeavesALinkThatLedNowhereAsItWas) {
     std::filesystem::create_symlink("the_list", list);
-    EXPECT_EQ(in_child([&] {
-                  const rlimit limit = {1000, 1000};
-                  signal(SIGXFSZ, SIG_IGN);
-                  setrlimit(RLIMIT_FSIZE, &limit);
-                  const std::string text(1001, 'n');
-                  return replace_file(list.c_str(), text.data(), text.size());
-              }),
-              1);
+    EXPECT_EQ(replaced_on_a_full_disk(), 1);
     EXPECT_TRUE(std::filesystem::is_symlink(list));
     EXPECT_EQ(names(), only_the_list);
 }

@@ -1,14 +1,23 @@
-// A folder of the test's own.
+// A folder of the test's own, and a disk that is full.
 #pragma once
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <set>
 #include <sstream>
 #include <string>
+
+// From here on the disk is full for this process: no file of it grows beyond this many bytes.
+inline void leave_room_for(rlim_t bytes) {
+    const rlimit limit = {bytes, bytes};
+    signal(SIGXFSZ, SIG_IGN);
+    setrlimit(RLIMIT_FSIZE, &limit);
+}
 
 class FolderTest : public testing::Test {
   protected:
